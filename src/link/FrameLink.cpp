@@ -1,0 +1,200 @@
+#include "FrameLink.h"
+
+#include "Crc.h"
+
+#include <QLocale>
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+namespace qv {
+
+namespace {
+constexpr int kErrorIoPending = 997;
+}
+
+FrameLink::FrameLink(Bus& bus, Dialogs& dialogs, PublicState& state)
+    : bus_(bus), dialogs_(dialogs), state_(state),
+      pause_([](int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }),
+      clock_([] { return QDateTime::currentDateTime(); }) {}
+
+FrameLink::~FrameLink() = default;
+
+void FrameLink::setPause(std::function<void(int)> pause) { pause_ = std::move(pause); }
+void FrameLink::setClock(std::function<QDateTime()> clock) { clock_ = std::move(clock); }
+void FrameLink::setDiagnosticHook(std::function<void(const QString&, const QString&)> hook) {
+    diagnosticHook_ = std::move(hook);
+}
+
+void FrameLink::pause() { pause_(kPauseMs); }
+
+bool FrameLink::OuvreUsb(std::int32_t usbId) {
+    FermeUsb();
+    // Both opens are always made, also when the first fails.
+    handleEcriture_ = bus_.open(usbId);
+    handleLecture_ = bus_.open(usbId);
+    return handleEcriture_ && handleLecture_;
+}
+
+void FrameLink::FermeUsb() {
+    if (handleEcriture_)
+        handleEcriture_->cancel();
+    if (handleLecture_)
+        handleLecture_->cancel();
+    handleEcriture_.reset();
+    handleLecture_.reset();
+}
+
+void FrameLink::EcritTrameUsb(const Bytes& donnees, int longueur) {
+    Bytes frame(static_cast<size_t>(longueur), 0);
+    for (int i = 0; i < longueur && i < static_cast<int>(donnees.size()); ++i)
+        frame[static_cast<size_t>(i)] = donnees[static_cast<size_t>(i)];
+    // Built before the pause: a value that does not fit a byte fails here and
+    // nothing is sent.
+    QByteArray transfer = toTransfer(frame, longueur);
+    if (longueur == 16) {
+        const std::uint16_t crc = crc16(reinterpret_cast<const std::uint8_t*>(transfer.constData()), 14);
+        transfer[14] = static_cast<char>(crc & 0xFF);
+        transfer[15] = static_cast<char>(crc >> 8);
+    }
+    pause();
+    int code = 0;
+    for (int call = 0; call < 3; ++call) {
+        if (handleEcriture_ && handleEcriture_->write(transfer)) {
+            code = 0;
+            break;
+        }
+        code = handleEcriture_ ? handleEcriture_->lastError() : 6; // 6: invalid handle
+    }
+    ControleErreurApi(QStringLiteral("UsbWrite"), code);
+}
+
+void FrameLink::EcritBrutUsb(const Bytes& donnees, int longueur) {
+    const QByteArray transfer = toTransfer(donnees, longueur);
+    int code = 0;
+    for (int call = 0; call < 3; ++call) {
+        if (handleEcriture_ && handleEcriture_->write(transfer)) {
+            code = 0;
+            break;
+        }
+        code = handleEcriture_ ? handleEcriture_->lastError() : 6;
+    }
+    ControleErreurApi(QStringLiteral("UsbWrite"), code);
+}
+
+Bytes FrameLink::LitReponseUsb(std::int16_t& longueur, const QString& message, bool afficheErreur,
+                               int /*reserve*/, const QString& titre) {
+    Bytes result(static_cast<size_t>(longueur + 2), 0);
+    // The caller's variable grows on purpose: retries ask for two more bytes.
+    longueur = static_cast<std::int16_t>(longueur + 2);
+    if (state_.TimeOut)
+        return result;
+    pause();
+    QByteArray received;
+    if (handleLecture_)
+        received = handleLecture_->read(longueur);
+    ControleErreurApi(QStringLiteral("ReadFile"),
+                      handleLecture_ ? handleLecture_->lastError() : 6);
+    if (!received.isEmpty()) {
+        Bytes buffer(static_cast<size_t>(longueur), 0);
+        for (int i = 0; i < received.size() && i < longueur; ++i)
+            buffer[static_cast<size_t>(i)] = static_cast<unsigned char>(received[i]);
+        if (CalculeCRC(buffer, longueur) != 0) {
+            if (afficheErreur)
+                dialogs_.message(QStringLiteral("CRC error"), titre, MsgBox::OkOnly);
+            state_.CRCError = true;
+        } else {
+            result = buffer;
+            state_.TimeOut = false;
+            state_.CRCError = false;
+        }
+    } else {
+        handleEcriture_.reset();
+        handleLecture_.reset();
+        if (afficheErreur)
+            dialogs_.message(message, titre, MsgBox::OkOnly);
+        state_.TimeOut = true;
+    }
+    return result;
+}
+
+Bytes FrameLink::LitBrutUsb(int longueur, const QString& message, bool afficheErreur,
+                            int /*reserve*/, const QString& titre) {
+    Bytes result(static_cast<size_t>(longueur), 0);
+    QByteArray received;
+    if (handleLecture_)
+        received = handleLecture_->read(longueur);
+    ControleErreurApi(QStringLiteral("ReadFile"),
+                      handleLecture_ ? handleLecture_->lastError() : 6);
+    if (!received.isEmpty()) {
+        for (int i = 0; i < received.size() && i < longueur; ++i)
+            result[static_cast<size_t>(i)] = static_cast<unsigned char>(received[i]);
+        state_.TimeOut = false;
+    } else {
+        handleEcriture_.reset();
+        handleLecture_.reset();
+        if (afficheErreur)
+            dialogs_.message(message, titre, MsgBox::OkOnly);
+        state_.TimeOut = true;
+    }
+    return result;
+}
+
+bool FrameLink::EchangeUsb(std::int32_t usbId, const Bytes& donnees, std::int16_t longueurEmission,
+                           Bytes& reponse, std::int16_t& longueurReponse, const QString& message,
+                           bool afficheErreur, const QString& titre) {
+    const Bytes request = donnees; // `reponse` may alias `donnees`
+    int failures = 0;
+    Bytes last;
+    FermeUsb();
+    do {
+        OuvreUsb(usbId);
+        state_.TimeOut = false;
+        state_.CRCError = false;
+        EcritTrameUsb(request, longueurEmission);
+        last = LitReponseUsb(longueurReponse, QString(), false, 0, QString());
+        if (state_.TimeOut || state_.CRCError)
+            ++failures;
+        FermeUsb();
+    } while ((state_.TimeOut || state_.CRCError) && failures < kAttempts);
+
+    if (afficheErreur && state_.TimeOut)
+        dialogs_.message(message + QStringLiteral(" (Time Out)"), boxTitle(titre), MsgBox::OkOnly);
+    else if (afficheErreur && state_.CRCError)
+        dialogs_.message(message + QStringLiteral(" (CRC error)"), boxTitle(titre), MsgBox::OkOnly);
+
+    reponse.assign(static_cast<size_t>(longueurReponse > 0 ? longueurReponse : 0), 0);
+    if (!state_.TimeOut && !state_.CRCError && failures != kAttempts) {
+        for (size_t i = 0; i < reponse.size() && i < last.size(); ++i)
+            reponse[i] = last[i];
+        return true;
+    }
+    return false;
+}
+
+void FrameLink::ControleErreurApi(const QString& contexte, int code) {
+    if (code == 0 || code == kErrorIoPending)
+        return;
+    const QString text = TexteErreurApi(code);
+    if (diagnosticHook_)
+        diagnosticHook_(contexte, text);
+}
+
+QString FrameLink::boxTitle(const QString& titre) const {
+    return defaultDateTimeText(clock_()) + QLatin1Char(' ') + titre;
+}
+
+QString TexteErreurApi(int code) {
+    // The platform text comes with a line end, which is cut off; a text of
+    // two characters or fewer is no message.
+    const QString raw = QString::fromLocal8Bit(std::strerror(code)) + QStringLiteral("\r\n");
+    return raw.size() > 2 ? raw.left(raw.size() - 2) : QString();
+}
+
+QString defaultDateTimeText(const QDateTime& when) {
+    const QLocale locale = QLocale::system();
+    return locale.toString(when.date(), QLocale::ShortFormat) + QLatin1Char(' ') +
+           locale.toString(when.time(), QStringLiteral("HH:mm:ss"));
+}
+
+} // namespace qv
