@@ -54,11 +54,13 @@ public:
     // Receives platform errors that ControleErreurApi sees; none by default.
     void setDiagnosticHook(std::function<void(const QString& contexte, const QString& text)> hook);
 
+    // The 10 ms wait that precedes every write and read.
+    void pause();
+
     static constexpr int kPauseMs = 10;
     static constexpr int kAttempts = 3;
 
 private:
-    void pause();
     QString boxTitle(const QString& titre) const;
 
     Bus& bus_;
