@@ -1,0 +1,493 @@
+#include "SimulatedBus.h"
+
+#include "SimState.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <chrono>
+#include <mutex>
+#include <random>
+#include <thread>
+
+namespace qv {
+
+namespace {
+
+void setError(QString* error, const QString& text) {
+    if (error)
+        *error = text;
+}
+
+bool writeState(const QString& path, const QByteArray& document, QString* error) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        setError(error, QStringLiteral("cannot write the simulator state %1: %2")
+                            .arg(path, file.errorString()));
+        return false;
+    }
+    file.write(document);
+    if (!file.commit()) {
+        setError(error, QStringLiteral("cannot write the simulator state %1: %2")
+                            .arg(path, file.errorString()));
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+struct SimulatedBus::Core {
+    // One controller with what the bus adds around it: the faults in force,
+    // the reply waiting to be read, and a count of unpluggings that makes old
+    // handles stale.
+    struct Slot {
+        explicit Slot(SimDevice d) : device(std::move(d)) {}
+        SimDevice device;
+        std::optional<QByteArray> pending;
+        int generation = 0;
+        int dropNext = 0;
+        double dropRate = 0;
+        std::mt19937 rng{1};
+        int corruptNext = 0;
+        int shortNext = 0;
+        int shortLength = 3;
+    };
+
+    mutable std::mutex mutex;
+    std::vector<Slot> slots;
+    std::function<qint64()> clock = [] { return QDateTime::currentMSecsSinceEpoch(); };
+    std::function<void(int)> sleep = [](int ms) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+    };
+    int readWaitMs = 0;
+    int restartSilenceMs = SimDevice::kDefaultRestartSilenceMs;
+    qint64 startMs = 0;
+    QStringList trace;
+    std::unique_ptr<QFile> traceFile;
+    QString autosavePath;
+    QString autosaveError;
+
+    Slot* find(std::int32_t id) {
+        for (Slot& slot : slots)
+            if (slot.device.uniqueId() == id)
+                return &slot;
+        return nullptr;
+    }
+
+    std::int32_t nextFreeId() {
+        for (std::int32_t id = kFirstId;; ++id)
+            if (!find(id))
+                return id;
+    }
+
+    void record(char direction, const QByteArray& bytes) {
+        const double seconds = static_cast<double>(clock() - startMs) / 1000.0;
+        QString line = QString::number(seconds, 'f', 3) + QLatin1Char(' ') + QLatin1Char(direction);
+        if (!bytes.isEmpty())
+            line += QLatin1Char(' ') + QString::fromLatin1(bytes.toHex(' ').toUpper());
+        trace.append(line);
+        if (traceFile) {
+            traceFile->write((line + QLatin1Char('\n')).toUtf8());
+            traceFile->flush();
+        }
+    }
+
+    QByteArray stateDocument() const {
+        std::vector<const SimDevice*> devices;
+        for (const Slot& slot : slots)
+            devices.push_back(&slot.device);
+        return devicesToState(devices);
+    }
+
+    void autosave() {
+        if (autosavePath.isEmpty())
+            return;
+        QString error;
+        if (!writeState(autosavePath, stateDocument(), &error))
+            autosaveError = error;
+    }
+
+    // The faults stand between the firmware and the wire, in this order: a
+    // lost reply is lost whole; a kept one may then be damaged or cut.
+    void deliver(Slot& slot, QByteArray reply) {
+        if (slot.dropNext > 0) {
+            --slot.dropNext;
+            return;
+        }
+        if (slot.dropRate > 0) {
+            const double draw = static_cast<double>(slot.rng() >> 8) / 16777216.0;
+            if (draw < slot.dropRate)
+                return;
+        }
+        if (slot.corruptNext > 0) {
+            --slot.corruptNext;
+            const int n = static_cast<int>(reply.size());
+            for (int i = std::max(0, n - 2); i < n; ++i)
+                reply[i] = static_cast<char>(reply.at(i) ^ 0xFF);
+        }
+        if (slot.shortNext > 0) {
+            --slot.shortNext;
+            reply.truncate(slot.shortLength);
+        }
+        if (!reply.isEmpty())
+            slot.pending = reply;
+    }
+};
+
+namespace {
+
+class SimHandle : public BusHandle {
+public:
+    SimHandle(std::shared_ptr<SimulatedBus::Core> core, std::int32_t id, int generation)
+        : core_(std::move(core)), id_(id), generation_(generation) {}
+
+    bool write(const QByteArray& transfer) override {
+        std::lock_guard lock(core_->mutex);
+        auto* slot = live();
+        if (!slot)
+            return false;
+        lastError_ = 0;
+        core_->record('>', transfer);
+        // A new request makes any unread answer stale.
+        slot->pending.reset();
+        const SimDevice::Outcome outcome = slot->device.receive(transfer, core_->clock());
+        if (outcome.reply)
+            core_->deliver(*slot, *outcome.reply);
+        if (outcome.changed)
+            core_->autosave();
+        return true;
+    }
+
+    QByteArray read(int maxLength) override {
+        std::function<void(int)> sleep;
+        int wait = 0;
+        {
+            std::lock_guard lock(core_->mutex);
+            if (auto reply = take(maxLength))
+                return *reply;
+            if (lastError_ != 0)
+                return {};
+            sleep = core_->sleep;
+            wait = core_->readWaitMs;
+        }
+        if (wait <= 0)
+            return {};
+        sleep(wait);
+        std::lock_guard lock(core_->mutex);
+        return take(maxLength).value_or(QByteArray());
+    }
+
+    int lastError() const override { return lastError_; }
+
+private:
+    // The device behind this handle, or nullptr (and the error set) when it
+    // has gone since the handle was opened.
+    SimulatedBus::Core::Slot* live() {
+        auto* slot = core_->find(id_);
+        if (!slot || !slot->device.plugged() || slot->generation != generation_) {
+            lastError_ = SimulatedBus::kNoDevice;
+            return nullptr;
+        }
+        return slot;
+    }
+
+    std::optional<QByteArray> take(int maxLength) {
+        auto* slot = live();
+        if (!slot || !slot->pending)
+            return std::nullopt;
+        lastError_ = 0;
+        QByteArray reply = *slot->pending;
+        slot->pending.reset();
+        // Like a USB transfer: what does not fit the buffer is lost.
+        reply.truncate(std::max(0, maxLength));
+        if (reply.isEmpty())
+            return std::nullopt;
+        core_->record('<', reply);
+        return reply;
+    }
+
+    std::shared_ptr<SimulatedBus::Core> core_;
+    std::int32_t id_;
+    int generation_;
+    int lastError_ = 0;
+};
+
+} // namespace
+
+SimulatedBus::SimulatedBus() : core_(std::make_shared<Core>()) {
+    core_->startMs = core_->clock();
+}
+
+SimulatedBus::SimulatedBus(const std::vector<SimDeviceConfig>& devices) : SimulatedBus() {
+    for (const SimDeviceConfig& config : devices)
+        addDevice(config);
+}
+
+SimulatedBus::~SimulatedBus() = default;
+
+std::unique_ptr<SimulatedBus> SimulatedBus::fromOptions(const SimOptions& options, QString* error) {
+    auto bus = std::make_unique<SimulatedBus>();
+    bus->setRestartSilence(options.restartMs);
+    bus->setReadWait(options.readWaitMs);
+    if (!options.tracePath.isEmpty() && !bus->setTraceFile(options.tracePath, error))
+        return nullptr;
+    if (!options.statePath.isEmpty() && QFileInfo::exists(options.statePath)) {
+        if (!bus->load(options.statePath, error))
+            return nullptr;
+        // The silence after a restart is the one of this run's options.
+        bus->setRestartSilence(options.restartMs);
+    } else {
+        for (const SimDeviceConfig& config : deviceConfigs(options))
+            bus->addDevice(config);
+    }
+    const std::vector<std::int32_t> ids = bus->deviceIds();
+    for (size_t i = 0; i < ids.size(); ++i) {
+        bus->dropReplies(ids[i], options.drop);
+        bus->setDropRate(ids[i], options.dropRate, options.seed + static_cast<std::uint32_t>(i));
+        bus->corruptReplies(ids[i], options.corrupt);
+        bus->shortenReplies(ids[i], options.shortCount, options.shortLength);
+        if (options.unplugged) {
+            if (static_cast<int>(i) < *options.unplugged)
+                bus->unplug(ids[i]);
+            else
+                bus->replug(ids[i]);
+        }
+    }
+    if (!options.statePath.isEmpty()) {
+        if (!bus->save(options.statePath, error))
+            return nullptr;
+        if (options.autosave)
+            bus->setAutosave(options.statePath);
+    }
+    return bus;
+}
+
+int SimulatedBus::deviceCount() {
+    std::lock_guard lock(core_->mutex);
+    int count = 0;
+    for (const auto& slot : core_->slots)
+        count += slot.device.plugged() ? 1 : 0;
+    return count;
+}
+
+std::int32_t SimulatedBus::uniqueId(int index) {
+    std::lock_guard lock(core_->mutex);
+    int position = 0;
+    for (const auto& slot : core_->slots) {
+        if (!slot.device.plugged())
+            continue;
+        if (position++ == index)
+            return slot.device.uniqueId();
+    }
+    return 0;
+}
+
+std::unique_ptr<BusHandle> SimulatedBus::open(std::int32_t uniqueId) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (!slot || !slot->device.plugged())
+        return nullptr;
+    return std::make_unique<SimHandle>(core_, uniqueId, slot->generation);
+}
+
+std::int32_t SimulatedBus::addDevice(const SimDeviceConfig& config, QString* error) {
+    std::lock_guard lock(core_->mutex);
+    SimDeviceConfig actual = config;
+    if (actual.uniqueId == 0) {
+        actual.uniqueId = core_->nextFreeId();
+    } else if (actual.uniqueId == 254 || actual.uniqueId == 255) {
+        setError(error, QStringLiteral("device id %1 is reserved").arg(actual.uniqueId));
+        return 0;
+    } else if (core_->find(actual.uniqueId)) {
+        setError(error, QStringLiteral("device id %1 is taken").arg(actual.uniqueId));
+        return 0;
+    }
+    SimDevice device(actual);
+    device.setRestartSilenceMs(core_->restartSilenceMs);
+    core_->slots.emplace_back(std::move(device));
+    core_->autosave();
+    return actual.uniqueId;
+}
+
+std::vector<std::int32_t> SimulatedBus::deviceIds() const {
+    std::lock_guard lock(core_->mutex);
+    std::vector<std::int32_t> ids;
+    for (const auto& slot : core_->slots)
+        ids.push_back(slot.device.uniqueId());
+    return ids;
+}
+
+std::optional<SimDevice> SimulatedBus::device(std::int32_t uniqueId) const {
+    std::lock_guard lock(core_->mutex);
+    if (auto* slot = core_->find(uniqueId))
+        return slot->device;
+    return std::nullopt;
+}
+
+bool SimulatedBus::modify(std::int32_t uniqueId, const std::function<void(SimDevice&)>& change) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (!slot)
+        return false;
+    const bool wasPlugged = slot->device.plugged();
+    change(slot->device);
+    if (wasPlugged && !slot->device.plugged())
+        ++slot->generation;
+    core_->autosave();
+    return true;
+}
+
+bool SimulatedBus::dropReplies(std::int32_t uniqueId, int count) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (slot)
+        slot->dropNext = std::max(0, count);
+    return slot != nullptr;
+}
+
+bool SimulatedBus::setDropRate(std::int32_t uniqueId, double probability, std::uint32_t seed) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (slot) {
+        slot->dropRate = std::clamp(probability, 0.0, 1.0);
+        slot->rng.seed(seed);
+    }
+    return slot != nullptr;
+}
+
+bool SimulatedBus::corruptReplies(std::int32_t uniqueId, int count) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (slot)
+        slot->corruptNext = std::max(0, count);
+    return slot != nullptr;
+}
+
+bool SimulatedBus::shortenReplies(std::int32_t uniqueId, int count, int length) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (slot) {
+        slot->shortNext = std::max(0, count);
+        slot->shortLength = std::max(0, length);
+    }
+    return slot != nullptr;
+}
+
+bool SimulatedBus::unplug(std::int32_t uniqueId) {
+    return modify(uniqueId, [](SimDevice& device) { device.setPlugged(false); });
+}
+
+bool SimulatedBus::replug(std::int32_t uniqueId) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (!slot)
+        return false;
+    if (!slot->device.plugged()) {
+        slot->device.setPlugged(true);
+        slot->pending.reset();
+        core_->autosave();
+    }
+    return true;
+}
+
+bool SimulatedBus::restartFromBootloader(std::int32_t uniqueId) {
+    return modify(uniqueId, [](SimDevice& device) { device.restartFromBootloader(); });
+}
+
+void SimulatedBus::setClock(std::function<qint64()> msSinceEpoch) {
+    std::lock_guard lock(core_->mutex);
+    core_->clock = std::move(msSinceEpoch);
+    core_->startMs = core_->clock();
+}
+
+qint64 SimulatedBus::now() const {
+    std::lock_guard lock(core_->mutex);
+    return core_->clock();
+}
+
+void SimulatedBus::setSleep(std::function<void(int)> sleep) {
+    std::lock_guard lock(core_->mutex);
+    core_->sleep = std::move(sleep);
+}
+
+void SimulatedBus::setReadWait(int milliseconds) {
+    std::lock_guard lock(core_->mutex);
+    core_->readWaitMs = std::max(0, milliseconds);
+}
+
+void SimulatedBus::setRestartSilence(int milliseconds) {
+    std::lock_guard lock(core_->mutex);
+    core_->restartSilenceMs = std::max(0, milliseconds);
+    for (auto& slot : core_->slots)
+        slot.device.setRestartSilenceMs(core_->restartSilenceMs);
+}
+
+bool SimulatedBus::setTraceFile(const QString& path, QString* error) {
+    std::lock_guard lock(core_->mutex);
+    if (path.isEmpty()) {
+        core_->traceFile.reset();
+        return true;
+    }
+    auto file = std::make_unique<QFile>(path);
+    if (!file->open(QIODevice::WriteOnly | QIODevice::Append)) {
+        setError(
+            error,
+            QStringLiteral("cannot open the trace file %1: %2").arg(path, file->errorString()));
+        return false;
+    }
+    core_->traceFile = std::move(file);
+    return true;
+}
+
+QStringList SimulatedBus::traceLines() const {
+    std::lock_guard lock(core_->mutex);
+    return core_->trace;
+}
+
+void SimulatedBus::clearTrace() {
+    std::lock_guard lock(core_->mutex);
+    core_->trace.clear();
+}
+
+bool SimulatedBus::save(const QString& path, QString* error) const {
+    std::lock_guard lock(core_->mutex);
+    return writeState(path, core_->stateDocument(), error);
+}
+
+bool SimulatedBus::load(const QString& path, QString* error) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        setError(
+            error,
+            QStringLiteral("cannot read the simulator state %1: %2").arg(path, file.errorString()));
+        return false;
+    }
+    // A state file is a few kilobytes; anything far larger is not one.
+    const QByteArray document = file.read(16 * 1024 * 1024);
+    QString problem;
+    auto devices = devicesFromState(document, &problem);
+    if (!devices) {
+        setError(error, QStringLiteral("simulator state %1: %2").arg(path, problem));
+        return false;
+    }
+    std::lock_guard lock(core_->mutex);
+    core_->slots.clear();
+    for (SimDevice& device : *devices)
+        core_->slots.emplace_back(std::move(device));
+    return true;
+}
+
+void SimulatedBus::setAutosave(const QString& path) {
+    std::lock_guard lock(core_->mutex);
+    core_->autosavePath = path;
+    core_->autosaveError.clear();
+}
+
+QString SimulatedBus::lastAutosaveError() const {
+    std::lock_guard lock(core_->mutex);
+    return core_->autosaveError;
+}
+
+} // namespace qv

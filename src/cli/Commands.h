@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Arguments.h"
+#include "Session.h"
+
+#include <QString>
+#include <functional>
+#include <vector>
+
+namespace qv {
+
+// One quorvelctl command: its words ("eeprom read"), a one-line summary, the
+// usage shown by --help, and what it does. Returns the exit status.
+struct CliCommand {
+    QStringList words;
+    QString summary;
+    QString usage;
+    std::function<int(Session&, Arguments&)> run;
+};
+
+const std::vector<CliCommand>& deviceCommands();
+const std::vector<CliCommand>& programmeCommands();
+
+// Exit statuses.
+constexpr int kExitOk = 0;
+constexpr int kExitDeviceFailed = 1;
+constexpr int kExitUsage = 2;
+constexpr int kExitConfiguration = 3;
+
+// Prints a line on standard output.
+void printLine(const QString& text);
+void printJson(const class QJsonValue& value);
+
+} // namespace qv

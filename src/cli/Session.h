@@ -1,0 +1,32 @@
+#pragma once
+
+#include "config/ConfigDocument.h"
+#include "device/Device.h"
+#include "link/Bus.h"
+#include "link/FrameLink.h"
+#include "link/PublicState.h"
+#include "StderrDialogs.h"
+
+#include <QString>
+#include <memory>
+
+namespace qv {
+
+// Everything one quorvelctl run works with: the configuration document, the
+// bus chosen by --link, the link and the device primitives over it.
+struct Session {
+    std::unique_ptr<ConfigDocument> config;
+    std::unique_ptr<Bus> bus;
+    std::unique_ptr<StderrDialogs> dialogs;
+    PublicState state;
+    std::unique_ptr<FrameLink> link;
+    std::unique_ptr<Device> device;
+    QString language = QStringLiteral("English");
+    bool json = false;
+
+    QString message(const QString& key);
+    // True when the last exchange failed (its box has been printed).
+    bool failed() const { return state.TimeOut || state.CRCError; }
+};
+
+} // namespace qv

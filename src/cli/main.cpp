@@ -1,0 +1,115 @@
+// quorvelctl: the command-line face of the tool. It runs the same device
+// sequences as the window, for scripts, production benches and diagnosis.
+#include "Arguments.h"
+#include "Commands.h"
+#include "Session.h"
+#include "config/AppDirectory.h"
+#include "link/backends/BusFactory.h"
+
+#include <QCoreApplication>
+#include <cstdio>
+
+using namespace qv;
+
+namespace {
+
+void printUsage(std::FILE* out) {
+    std::fputs("usage: quorvelctl [--app-dir DIR] [--link LINK] [--device ID] [--json] [--yes]\n"
+               "                  COMMAND [ARGS] [--help]\n\n"
+               "LINK is usb (the default), or sim[:key=value,...] for simulated controllers,\n"
+               "for example sim:devices=2,state=/tmp/sim.json (see README).\n"
+               "ID is a device id as `devices --json` prints it; by default the first device.\n\n"
+               "commands:\n",
+               out);
+    for (const auto* list : {&deviceCommands(), &programmeCommands()}) {
+        for (const CliCommand& c : *list)
+            std::fprintf(out, "  %-20s %s\n", qUtf8Printable(c.words.join(QLatin1Char(' '))),
+                         qUtf8Printable(c.summary));
+    }
+}
+
+const CliCommand* findCommand(QStringList& words) {
+    const CliCommand* best = nullptr;
+    for (const auto* list : {&deviceCommands(), &programmeCommands()}) {
+        for (const CliCommand& c : *list) {
+            if (words.size() >= c.words.size() && words.mid(0, c.words.size()) == c.words &&
+                (!best || c.words.size() > best->words.size()))
+                best = &c;
+        }
+    }
+    if (best)
+        words.remove(0, best->words.size());
+    return best;
+}
+
+int run(QStringList words) {
+    Arguments globals(words);
+    const auto appDirOption = globals.takeOption(QStringLiteral("app-dir"));
+    const QString linkSpec = globals.takeOption(QStringLiteral("link")).value_or(QStringLiteral("usb"));
+    const auto deviceOption = globals.takeOption(QStringLiteral("device"));
+    const bool json = globals.takeFlag(QStringLiteral("json"));
+    const bool yes = globals.takeFlag(QStringLiteral("yes"));
+    const bool help = globals.takeFlag(QStringLiteral("help")) || globals.takeFlag(QStringLiteral("h"));
+
+    QStringList rest = globals.remaining();
+    if (rest.isEmpty()) {
+        printUsage(help ? stdout : stderr);
+        return help ? kExitOk : kExitUsage;
+    }
+    const CliCommand* command = findCommand(rest);
+    if (!command)
+        throw UsageError{QStringLiteral("unknown command: %1").arg(rest.join(QLatin1Char(' ')))};
+    if (help) {
+        std::printf("usage: quorvelctl [global options] %s\n  %s\n", qUtf8Printable(command->usage),
+                    qUtf8Printable(command->summary));
+        return kExitOk;
+    }
+
+    Session session;
+    session.json = json;
+    const AppDirectoryResult appDir = resolveAppDirectory(defaultAppDirectorySources(appDirOption));
+    if (!appDir.ok()) {
+        std::fprintf(stderr, "quorvelctl: %s\n", qUtf8Printable(appDir.error));
+        return kExitConfiguration;
+    }
+    session.config = std::make_unique<ConfigDocument>(appDir.configPath());
+    session.config->load(); // a missing or malformed file stops here, before any device work
+
+    QString busError;
+    session.bus = makeBus(linkSpec, &busError);
+    if (!session.bus)
+        throw UsageError{busError};
+    session.dialogs = std::make_unique<StderrDialogs>(yes);
+    session.link = std::make_unique<FrameLink>(*session.bus, *session.dialogs, session.state);
+    session.device = std::make_unique<Device>(
+        *session.link, [&session] { return session.message(QStringLiteral("Quorvel Absent")); });
+    if (deviceOption)
+        session.state.UsbID = static_cast<std::int32_t>(
+            parseNumber(*deviceOption, QStringLiteral("ID"), INT32_MIN, INT32_MAX));
+    else if (session.bus->deviceCount() > 0)
+        session.state.UsbID = session.bus->uniqueId(0);
+
+    Arguments commandArgs(rest);
+    return command->run(session, commandArgs);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("quorvel"));
+    QStringList words = QCoreApplication::arguments();
+    words.removeFirst();
+    try {
+        return run(words);
+    } catch (const UsageError& e) {
+        std::fprintf(stderr, "quorvelctl: %s\n(see quorvelctl --help)\n", qUtf8Printable(e.text));
+        return kExitUsage;
+    } catch (const ConfigError& e) {
+        std::fprintf(stderr, "quorvelctl: %s\n", qUtf8Printable(e.text()));
+        return kExitConfiguration;
+    } catch (const OverflowError& e) {
+        std::fprintf(stderr, "quorvelctl: a value does not fit: %s\n", e.what());
+        return kExitUsage;
+    }
+}

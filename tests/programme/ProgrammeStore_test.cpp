@@ -1,0 +1,451 @@
+#include "ProgrammeTestSupport.h"
+#include "programme/ProgrammeStore.h"
+
+#include <gtest/gtest.h>
+
+#include <QDomDocument>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <vector>
+
+namespace qv {
+namespace {
+
+QDomDocument parse(const QString& xml) {
+    QDomDocument document;
+    QString error;
+    EXPECT_TRUE(document.setContent(xml, &error)) << error.toStdString();
+    return document;
+}
+
+QDomDocument withRows(const QString& rows) {
+    return parse(QStringLiteral("<Configuration><Conf/><CONDITIONS>") + rows +
+                 QStringLiteral("</CONDITIONS><NomProgramme>a.prg</NomProgramme></Configuration>"));
+}
+
+QDomElement rowsNode(const QDomDocument& document) {
+    return document.documentElement().firstChildElement(QStringLiteral("CONDITIONS"));
+}
+
+std::vector<QDomElement> rowsOf(const QDomDocument& document) {
+    std::vector<QDomElement> rows;
+    for (QDomElement row = rowsNode(document).firstChildElement(); !row.isNull();
+         row = row.nextSiblingElement()) {
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+// A row's attributes in the writer's order, as they stand in a file.
+QString orderedText(const QDomElement& row) {
+    QStringList parts;
+    for (const QString& name : conditionAttributeNames()) {
+        if (row.hasAttribute(name)) {
+            parts << name + QStringLiteral("=\"") + row.attribute(name) + QLatin1Char('"');
+        }
+    }
+    return parts.join(QLatin1Char(' '));
+}
+
+Conditions read(const QDomDocument& document) {
+    Conditions conditions;
+    LitConditions(document, conditions);
+    return conditions;
+}
+
+// Written, turned into text, parsed again and read: what a file would give.
+Conditions roundTrip(const Conditions& conditions) {
+    QDomDocument document = withRows(QString());
+    EXPECT_EQ(SauveConditions(document, conditions), 1);
+    return read(parse(document.toString()));
+}
+
+Condition timed(const char* nom, double valeur, std::int16_t temporisation, std::int16_t jour,
+                std::array<std::int16_t, 7> time) {
+    Condition c;
+    c.Nom = QString::fromUtf8(nom);
+    c.sortie = 3;
+    c.Format = 1;
+    c.Valeur = valeur;
+    c.Temporisation = temporisation;
+    c.Jour = jour;
+    std::int16_t* fields[] = {&c.Heure,          &c.Minute,        &c.Seconde,
+                              &c.PlageFinJour,   &c.PlageFinHeure, &c.PlageFinMinute,
+                              &c.PlageFinSeconde};
+    for (std::size_t i = 0; i < time.size(); ++i) {
+        *fields[i] = time[i];
+    }
+    return c;
+}
+
+// One line of each kind the editor, the upload and old files produce.
+std::vector<Condition> linesOfEveryKind() {
+    std::vector<Condition> lines = {
+        timed("Electro Vanne Bist.-1", 0, 32000, 0, {}),
+        timed("Electro Vanne Bist.-2", 1, 3600, 4, {8, 30, 15, 0, 0, 0, 0}),
+        timed("Electro Vanne Bist. 1-3", 1, 0, JourPlage, {6, 0, 0, JourPlage, 18, 45, 30}),
+        timed("Electro Vanne Bist.-4", 1, 600, JourPeriode, {21, 5, 255, 0, 12, 31, 0}),
+    };
+
+    Condition logic = timed("Electro Vanne Bist. 1-5", 2.5, -1, 0, {});
+    logic.rang = 5;
+    logic.Offset = -0.5;
+    logic.RecopieEntree = 6;
+    logic.Commentaire = QStringLiteral("Réglage d'été <nuit> & \"jour\"");
+    const double values[] = {12, 20, 0.16, -1234.5678, 1e20, 1.5e-7, 65535, -0.001};
+    for (int i = 0; i < Condition::SubConditionCount; ++i) {
+        logic.setNumero(i, std::uint8_t(i == 7 ? 255 : i));
+        logic.setOperateur(i, std::uint8_t(200 + i));
+        logic.setTempo(i, std::int16_t(i % 2 ? -32768 + i : 32767 - i));
+        logic.setValeur1(i, values[i]);
+        logic.setValeur2(i, -values[7 - i]);
+    }
+    lines.push_back(logic);
+
+    Condition regulation = timed("Régulation", 0, 0, 0, {});
+    regulation.sortie = -3;
+    regulation.Regulation = true;
+    regulation.Consigne = QStringLiteral("20,5");
+    regulation.DeltaAction = QStringLiteral(" 1.5 ");
+    regulation.DureeAction = QStringLiteral("60");
+    regulation.FiltreRetour = QStringLiteral("<3> & 'q'");
+    regulation.ConsigneS1 = QStringLiteral("18");
+    regulation.ConsigneS2 = QStringLiteral("22");
+    regulation.EntreeConsigne = -2;
+    regulation.PeriodeEchantillonnage = QStringLiteral("10");
+    regulation.TypeCourbe = QStringLiteral("lin");
+    regulation.RecopieSortie = QStringLiteral("S2");
+    regulation.Derivee = true;
+    regulation.integrale = true;
+    regulation.ActionDerivee = QStringLiteral("D");
+    regulation.ActionIntegrale = QStringLiteral("I");
+    lines.push_back(regulation);
+
+    return lines;
+}
+
+void expectSameStoredLines(const Conditions& actual, const std::vector<Condition>& expected) {
+    ASSERT_EQ(actual.Count(), int(expected.size()));
+    for (int n = 1; n <= actual.Count(); ++n) {
+        SCOPED_TRACE(expected[std::size_t(n - 1)].Nom.toStdString());
+        const Condition& got = *actual.Item(n);
+        EXPECT_EQ(test::storedFields(got), test::storedFields(expected[std::size_t(n - 1)]));
+        // What the file has no place for comes back as a fresh line has it.
+        EXPECT_FALSE(got.Derivee);
+        EXPECT_FALSE(got.integrale);
+        EXPECT_TRUE(got.ActionDerivee.isEmpty());
+        EXPECT_TRUE(got.ActionIntegrale.isEmpty());
+    }
+}
+
+const QLocale kLocales[] = {QLocale(QLocale::C), QLocale(QLocale::French, QLocale::France)};
+
+TEST(ProgrammeStore, LinesOfEveryKindComeBackAsTheyWereStoredWhateverTheLocale) {
+    for (const QLocale& locale : kLocales) {
+        SCOPED_TRACE(locale.name().toStdString());
+        test::DefaultLocale scoped{locale};
+        Conditions conditions;
+        for (const Condition& line : linesOfEveryKind()) {
+            conditions.Add(line);
+        }
+        expectSameStoredLines(roundTrip(conditions), linesOfEveryKind());
+    }
+}
+
+TEST(ProgrammeStore, ReadingAppendsAndReturnsTheNamesOfTheLinesAdded) {
+    Conditions conditions;
+    conditions.Add(timed("before", 0, 0, 0, {}));
+    const QStringList names =
+        LitConditions(withRows(QStringLiteral("<Condition NOM=\"MASTER\"/><Condition NOM=\"L1\"/>"
+                                              "<Condition NOM=\"L2\"/>")),
+                      conditions);
+    EXPECT_EQ(names, QStringList({"L1", "L2"}));
+    ASSERT_EQ(conditions.Count(), 3);
+    EXPECT_EQ(conditions.Item(1)->Nom, QStringLiteral("before"));
+}
+
+TEST(ProgrammeStore, WrittenRowHasEveryAttributeInOrderAndLegacyNumberText) {
+    Condition line =
+        timed("Electro Vanne Bist.-1", 2.5, 3600, JourPeriode, {8, 30, 7, 11, 5, 21, 9});
+    line.rang = 2;
+    line.Offset = -0.5;
+    line.RecopieEntree = 6;
+    for (int i = 0; i < Condition::IndexedSize; ++i) {
+        line.setNumero(i, std::uint8_t(10 + i));
+        line.setOperateur(i, std::uint8_t(20 + i));
+        line.setTempo(i, std::int16_t(-30 - i));
+        line.setValeur1(i, 0.5 + i);
+        line.setValeur2(i, -1.25 * i);
+    }
+    line.Regulation = true;
+    line.Consigne = QStringLiteral("20.5");
+    line.DeltaAction = QStringLiteral("1");
+    line.DureeAction = QStringLiteral("60");
+    line.FiltreRetour = QStringLiteral("3");
+    line.ConsigneS1 = QStringLiteral("18");
+    line.ConsigneS2 = QStringLiteral("22");
+    line.EntreeConsigne = 2;
+    line.PeriodeEchantillonnage = QStringLiteral("10");
+    line.TypeCourbe = QStringLiteral("lin");
+    line.RecopieSortie = QStringLiteral("S2");
+    line.Commentaire = QStringLiteral("Arrosage");
+    line.Derivee = true;
+    line.ActionDerivee = QStringLiteral("not stored");
+
+    const QString expected = QStringLiteral(
+        "NOM=\"Electro Vanne Bist.-1\" TAG=\"\" SORTIE=\"3\" RANG=\"2\" FORMAT=\"1\" "
+        "VALEUR=\" 2.5\" TEMPORISATION=\"3600\" OFFSET=\"-.5\" JOUR=\"12\" HEURE=\"8\" "
+        "MINUTE=\"30\" SECONDE=\"7\" JOURFIN=\"11\" HEUREFIN=\"5\" MINUTEFIN=\"21\" "
+        "SECONDEFIN=\"9\" RECOPIEENTREE=\"6\" "
+        "NUMERO0=\"10\" NUMERO1=\"11\" NUMERO2=\"12\" NUMERO3=\"13\" NUMERO4=\"14\" "
+        "NUMERO5=\"15\" NUMERO6=\"16\" NUMERO7=\"17\" "
+        "OPERATEUR0=\"20\" OPERATEUR1=\"21\" OPERATEUR2=\"22\" OPERATEUR3=\"23\" "
+        "OPERATEUR4=\"24\" OPERATEUR5=\"25\" OPERATEUR6=\"26\" OPERATEUR7=\"27\" "
+        "TEMPORISATION0=\"-30\" TEMPORISATION1=\"-31\" TEMPORISATION2=\"-32\" "
+        "TEMPORISATION3=\"-33\" TEMPORISATION4=\"-34\" TEMPORISATION5=\"-35\" "
+        "TEMPORISATION6=\"-36\" TEMPORISATION7=\"-37\" "
+        "VALEUR10=\" .5\" VALEUR11=\" 1.5\" VALEUR12=\" 2.5\" VALEUR13=\" 3.5\" "
+        "VALEUR14=\" 4.5\" VALEUR15=\" 5.5\" VALEUR16=\" 6.5\" VALEUR17=\" 7.5\" "
+        "VALEUR20=\" 0\" VALEUR21=\"-1.25\" VALEUR22=\"-2.5\" VALEUR23=\"-3.75\" "
+        "VALEUR24=\"-5\" VALEUR25=\"-6.25\" VALEUR26=\"-7.5\" VALEUR27=\"-8.75\" "
+        "REGULATION=\"True\" CONSIGNE=\"20.5\" DELTAACTION=\"1\" DUREEACTION=\"60\" "
+        "FILTRERETOUR=\"3\" CONSIGNES1=\"18\" CONSIGNES2=\"22\" ENTREECONSIGNE=\"2\" "
+        "PERIODEECHANTILLONNAGE=\"10\" TYPECOURBE=\"lin\" RECOPIESORTIE=\"S2\" "
+        "COMMENTAIRE=\"Arrosage\"");
+    // The schema row is the first line again under another name.
+    QString master = expected;
+    master.replace(QStringLiteral("Electro Vanne Bist.-1"), QStringLiteral("MASTER"));
+
+    for (const QLocale& locale : kLocales) {
+        SCOPED_TRACE(locale.name().toStdString());
+        test::DefaultLocale scoped{locale};
+        Conditions conditions;
+        conditions.Add(line);
+        QDomDocument document = withRows(QString());
+        SauveConditions(document, conditions);
+
+        const std::vector<QDomElement> rows = rowsOf(document);
+        ASSERT_EQ(rows.size(), 2u);
+        for (const QDomElement& row : rows) {
+            EXPECT_EQ(row.tagName(), QStringLiteral("Condition"));
+            EXPECT_EQ(row.attributes().count(), 69) << "nothing beyond the schema is written";
+        }
+        EXPECT_EQ(orderedText(rows[0]), master);
+        EXPECT_EQ(orderedText(rows[1]), expected);
+    }
+}
+
+TEST(ProgrammeStore, SavingReplacesTheRowsOfEveryConditionsNode) {
+    for (int lines : {0, 1, 3}) {
+        QDomDocument document = parse(QStringLiteral(
+            "<Configuration><conditions><Condition NOM=\"MASTER\"/><Condition NOM=\"old\"/>"
+            "<!-- note --></conditions><Other/><Conditions/><NomProgramme>a.prg</NomProgramme>"
+            "</Configuration>"));
+        Conditions conditions;
+        for (int i = 0; i < lines; ++i) {
+            conditions.Add(timed("L", 0, 0, 0, {}));
+        }
+        EXPECT_EQ(SauveConditions(document, conditions), 2);
+        for (const char* name : {"conditions", "Conditions"}) {
+            const QDomElement node =
+                document.documentElement().firstChildElement(QString::fromLatin1(name));
+            EXPECT_EQ(node.childNodes().count(), lines == 0 ? 0 : lines + 1) << lines;
+            EXPECT_EQ(node.firstChildElement().attribute(QStringLiteral("NOM")),
+                      lines == 0 ? QString() : QStringLiteral("MASTER"));
+        }
+        EXPECT_EQ(read(document).Count(), 2 * lines) << "each node is read";
+        EXPECT_EQ(document.documentElement().lastChildElement().text(), QStringLiteral("a.prg"));
+    }
+}
+
+TEST(ProgrammeStore, ADocumentWithoutTheNodeIsLeftAlone) {
+    QDomDocument document =
+        parse(QStringLiteral("<Configuration><Conf DAYLIGHT_SAVING=\"1\"/></Configuration>"));
+    const QString before = document.toString();
+    Conditions conditions;
+    conditions.Add(Condition());
+    EXPECT_EQ(SauveConditions(document, conditions), 0);
+    EXPECT_EQ(document.toString(), before);
+    QDomDocument empty;
+    EXPECT_EQ(SauveConditions(empty, conditions), 0);
+    EXPECT_EQ(read(empty).Count(), 0);
+}
+
+TEST(ProgrammeStore, ShortRowsTakeWhatTheyLackFromTheRowBeforeInTheirNode) {
+    const Conditions conditions = read(parse(QStringLiteral(
+        "<Configuration><CONDITIONS>"
+        "<Condition NOM=\"MASTER\" SORTIE=\"3\" VALEUR=\" 1\" JOUR=\"4\" HEURE=\"8\" "
+        "NUMERO0=\"5\" VALEUR10=\" 2.5\" REGULATION=\"True\" CONSIGNE=\"20\"/>"
+        "<Condition NOM=\"L1\"/>"
+        "<Condition NOM=\"L2\" JOUR=\"5\" VALEUR=\" 0\"/>"
+        "<Condition HEURE=\"9\"/>"
+        "<Condition NOM=\"L4\" CONSIGNE=\"\"/>"
+        "</CONDITIONS><CONDITIONS><Condition NOM=\"N1\" MINUTE=\"1\"/></CONDITIONS>"
+        "</Configuration>")));
+    struct Expected {
+        const char* nom;
+        std::int16_t jour;
+        std::int16_t heure;
+        double valeur;
+        const char* consigne;
+    };
+    const std::vector<Expected> expected = {
+        {"L1", 4, 8, 1.0, "20"},
+        {"L2", 5, 8, 0.0, "20"},
+        {"L2", 5, 9, 0.0, "20"}, // no NOM: the name of the row before, and a line of its own
+        {"L4", 5, 9, 0.0, ""},
+    };
+    ASSERT_EQ(conditions.Count(), int(expected.size()) + 1);
+    for (int n = 1; n <= int(expected.size()); ++n) {
+        const Condition& c = *conditions.Item(n);
+        const Expected& e = expected[std::size_t(n - 1)];
+        SCOPED_TRACE(n);
+        EXPECT_EQ(c.Nom, QString::fromLatin1(e.nom));
+        EXPECT_EQ(c.Jour, e.jour);
+        EXPECT_EQ(c.Heure, e.heure);
+        EXPECT_EQ(c.Valeur, e.valeur);
+        EXPECT_EQ(c.Consigne, QString::fromLatin1(e.consigne));
+        EXPECT_EQ(c.sortie, 3);
+        EXPECT_EQ(c.Numero(0), 5);
+        EXPECT_EQ(c.Valeur1(0), 2.5);
+        EXPECT_TRUE(c.Regulation);
+    }
+    // The next node starts from a fresh line.
+    Condition fresh;
+    fresh.Nom = QStringLiteral("N1");
+    fresh.Minute = 1;
+    EXPECT_TRUE(*conditions.Item(5) == fresh);
+}
+
+TEST(ProgrammeStore, SchemaRowIsDroppedInAnyCaseButPassesItsValuesOn) {
+    struct Case {
+        const char* rows;
+        int count;
+    };
+    const std::vector<Case> cases = {
+        {"<Condition NOM=\"MASTER\" JOUR=\"6\"/>", 1},
+        {"<Condition NOM=\"master\" JOUR=\"6\"/>", 1},
+        {"<Condition NOM=\"mAsTeR\" JOUR=\"6\"/>", 1},
+        {"<Condition NOM=\"MASTER \" JOUR=\"6\"/>", 2},
+        {"<Condition NOM=\"MASTER2\" JOUR=\"6\"/>", 2},
+        // A row without a name of its own is the schema row again.
+        {"<Condition NOM=\"Master\" JOUR=\"6\"/><Condition HEURE=\"7\"/>", 1},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.rows);
+        const Conditions conditions = read(
+            withRows(QString::fromLatin1(test.rows) + QStringLiteral("<Condition NOM=\"L1\"/>")));
+        ASSERT_EQ(conditions.Count(), test.count);
+        EXPECT_EQ(conditions.Item(test.count)->Nom, QStringLiteral("L1"));
+        EXPECT_EQ(conditions.Item(test.count)->Jour, 6);
+    }
+}
+
+TEST(ProgrammeStore, UnknownAttributesAndNamesAreIgnoredAndNamesMatchInAnyCase) {
+    const Conditions conditions = read(withRows(QStringLiteral(
+        "<Condition nom=\"L1\" Jour=\"4\" heure=\"8\" TAG=\"12\" DERIVEE=\"True\" "
+        "INTEGRALE=\"-1\" ACTIONDERIVEE=\"x\" ACTIONINTEGRALE=\"y\" FOO=\"bar\" NUMERO8=\"9\" "
+        "OPERATEUR8=\"9\" TEMPORISATION8=\"9\" VALEUR18=\" 3\" VALEUR28=\" 3\" NOM2=\"z\"/>"
+        "<!-- a comment is no row -->"
+        "<Ligne NOM=\"L2\" consignes1=\"18\"/>")));
+    ASSERT_EQ(conditions.Count(), 2);
+    Condition expected;
+    expected.Nom = QStringLiteral("L1");
+    expected.Jour = 4;
+    expected.Heure = 8;
+    EXPECT_TRUE(*conditions.Item(1) == expected) << "nothing but NOM, JOUR and HEURE was taken";
+    expected.Nom = QStringLiteral("L2");
+    expected.ConsigneS1 = QStringLiteral("18");
+    EXPECT_TRUE(*conditions.Item(2) == expected) << "a row's element name is not looked at";
+}
+
+// Each value text is read after a schema row that seeds the line; a text
+// that can't be converted leaves the seed, and the rows after it still load.
+TEST(ProgrammeStore, ValueTextsConvertAsTheyAlwaysHave) {
+    const QString seed = QStringLiteral(
+        "<Condition NOM=\"MASTER\" SORTIE=\"3\" HEURE=\"8\" NUMERO0=\"5\" TEMPORISATION2=\"7\" "
+        "VALEUR=\" 1\" VALEUR10=\" 2.5\" REGULATION=\"True\"/>");
+    using Field = double (*)(const Condition&);
+    const Field sortie = [](const Condition& c) { return double(c.sortie); };
+    const Field heure = [](const Condition& c) { return double(c.Heure); };
+    const Field numero = [](const Condition& c) { return double(*c.Numero(0)); };
+    const Field tempo = [](const Condition& c) { return double(*c.tempo(2)); };
+    const Field valeur = [](const Condition& c) { return c.Valeur; };
+    const Field valeur1 = [](const Condition& c) { return *c.Valeur1(0); };
+    const Field regulation = [](const Condition& c) { return double(c.Regulation); };
+    struct Case {
+        bool french;
+        const char* attribute;
+        const char* text;
+        Field field;
+        double expected;
+    };
+    const std::vector<Case> cases = {
+        // Integers: the runtime's conversion, separator of the machine,
+        // halves to even, the field's range.
+        {false, "SORTIE", "abc", sortie, 3},
+        {false, "SORTIE", "", sortie, 3},
+        {false, "SORTIE", "32768", sortie, 3},
+        {false, "SORTIE", "-32768", sortie, -32768},
+        {false, "SORTIE", "4,5", sortie, 3},
+        {true, "SORTIE", "4,0", sortie, 4},
+        {false, "HEURE", " 2.5 ", heure, 2},
+        {false, "HEURE", "3.5", heure, 4},
+        {false, "NUMERO0", "256", numero, 5},
+        {false, "NUMERO0", "-1", numero, 5},
+        {false, "NUMERO0", "255", numero, 255},
+        {false, "TEMPORISATION2", "1e9", tempo, 7},
+        // Number text: the number at the front, "." on every machine; no
+        // number at all is 0, a number beyond range keeps the field.
+        {true, "VALEUR", " 2.5", valeur, 2.5},
+        {true, "VALEUR", "2,5", valeur, 2},
+        {false, "VALEUR", "abc", valeur, 0},
+        {false, "VALEUR", "12abc", valeur, 12},
+        {false, "VALEUR", "1e999", valeur, 1},
+        {false, "VALEUR10", " - 1 . 5", valeur1, -1.5},
+        {true, "VALEUR10", "-.5", valeur1, -0.5},
+        // Booleans: the words in any case, or numbers.
+        {false, "REGULATION", "False", regulation, 0},
+        {false, "REGULATION", "TRUE", regulation, 1},
+        {false, "REGULATION", " false ", regulation, 0},
+        {false, "REGULATION", "0", regulation, 0},
+        {true, "REGULATION", "0,0", regulation, 0},
+        {false, "REGULATION", "2.5", regulation, 1},
+        {false, "REGULATION", "-1", regulation, 1},
+        {false, "REGULATION", "yes", regulation, 1},
+        {false, "REGULATION", "", regulation, 1},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(std::string(test.attribute) + "=\"" + test.text + '"' +
+                     (test.french ? " (French)" : ""));
+        test::DefaultLocale scoped{test.french ? QLocale(QLocale::French, QLocale::France)
+                                               : QLocale(QLocale::C)};
+        const Conditions conditions = read(withRows(
+            seed +
+            QStringLiteral("<Condition NOM=\"L1\" %1=\"%2\"/><Condition NOM=\"L2\" MINUTE=\"9\"/>")
+                .arg(QString::fromLatin1(test.attribute), QString::fromLatin1(test.text))));
+        ASSERT_EQ(conditions.Count(), 2);
+        EXPECT_EQ(test.field(*conditions.Item(1)), test.expected);
+        EXPECT_EQ(test.field(*conditions.Item(2)), test.expected);
+        EXPECT_EQ(conditions.Item(2)->Minute, 9);
+    }
+}
+
+TEST(ProgrammeStore, AValueWithoutATextFormLeavesItsAttributeOut) {
+    Condition line;
+    line.Valeur = std::numeric_limits<double>::quiet_NaN();
+    line.setValeur1(2, std::numeric_limits<double>::infinity());
+    Conditions conditions;
+    conditions.Add(line);
+    QDomDocument document = withRows(QString());
+    SauveConditions(document, conditions);
+    const QDomElement row = rowsOf(document).at(1);
+    EXPECT_FALSE(row.hasAttribute(QStringLiteral("VALEUR")));
+    EXPECT_FALSE(row.hasAttribute(QStringLiteral("VALEUR12")));
+    EXPECT_EQ(row.attributes().count(), 67);
+}
+
+} // namespace
+} // namespace qv

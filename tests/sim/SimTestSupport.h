@@ -1,0 +1,105 @@
+#pragma once
+
+#include "RecordingDialogs.h"
+#include "SimulatedBus.h"
+#include "link/Crc.h"
+#include "link/FrameLink.h"
+#include "link/PublicState.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QTimeZone>
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <optional>
+
+namespace qv::test {
+
+// A 16-byte request with its check value, the rest of the bytes zero.
+inline QByteArray checkedFrame(std::initializer_list<int> bytes) {
+    QByteArray frame(16, '\0');
+    int i = 0;
+    for (int b : bytes)
+        frame[i++] = static_cast<char>(b);
+    const std::uint16_t crc = crc16(reinterpret_cast<const std::uint8_t*>(frame.constData()), 14);
+    frame[14] = static_cast<char>(crc & 0xFF);
+    frame[15] = static_cast<char>(crc >> 8);
+    return frame;
+}
+
+inline QByteArray legacyProbe() {
+    QByteArray probe(12, '\0');
+    probe[0] = static_cast<char>(0xF0);
+    return probe;
+}
+
+inline bool checkValueHolds(const QByteArray& reply) {
+    return reply.size() >= 3 &&
+           crc16(reinterpret_cast<const std::uint8_t*>(reply.constData()), reply.size()) == 0;
+}
+
+inline int at(const QByteArray& bytes, int index) {
+    return static_cast<std::uint8_t>(bytes.at(index));
+}
+
+// A bus with a hand-driven clock, so that nothing sleeps. The clock starts on
+// a fixed local date so that clock tests can name the expected reading.
+class SimFixture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        nowMs = QDateTime(QDate(2026, 3, 14), QTime(9, 30, 0)).toMSecsSinceEpoch();
+        bus.setClock([this] { return nowMs; });
+        bus.setSleep([](int) { ADD_FAILURE() << "the simulator slept"; });
+    }
+
+    std::int32_t add(SimDeviceConfig config = {}) {
+        const std::int32_t id = bus.addDevice(config);
+        EXPECT_NE(id, 0);
+        return id;
+    }
+
+    // One raw transfer and the read that follows; nullopt for silence.
+    std::optional<QByteArray> transfer(std::int32_t id, const QByteArray& request,
+                                       int maxLength = 64) {
+        auto handle = bus.open(id);
+        if (!handle || !handle->write(request))
+            return std::nullopt;
+        const QByteArray reply = handle->read(maxLength);
+        if (reply.isEmpty())
+            return std::nullopt;
+        return reply;
+    }
+
+    std::optional<QByteArray> command(std::int32_t id, std::initializer_list<int> bytes) {
+        return transfer(id, checkedFrame(bytes));
+    }
+
+    qint64 nowMs = 0;
+    SimulatedBus bus;
+};
+
+// The same, with the product's frame link on top of the bus.
+class SimLinkFixture : public SimFixture {
+protected:
+    void SetUp() override {
+        SimFixture::SetUp();
+        link.setPause([](int) {});
+    }
+
+    // EchangeUsb with reply length n; the reply, or nullopt on failure.
+    std::optional<Bytes> exchange(std::int32_t id, const Bytes& request, int n) {
+        Bytes reply;
+        std::int16_t length = static_cast<std::int16_t>(n);
+        const bool ok = link.EchangeUsb(id, request, 16, reply, length, QStringLiteral("Absent"),
+                                        false, QString());
+        if (!ok)
+            return std::nullopt;
+        return reply;
+    }
+
+    RecordingDialogs dialogs;
+    PublicState state;
+    FrameLink link{bus, dialogs, state};
+};
+
+} // namespace qv::test
