@@ -295,7 +295,7 @@ int SimDevice::liveValue(int address) const {
 bool SimDevice::appendToImage(const std::uint8_t* bytes, int length) {
     // The end mark must stay below the boot request at 255; a line that does
     // not fit is refused whole.
-    if (imageEnd_ < 0 || imageEnd_ + length > kBootAddress)
+    if (imageEnd_ < 0 || imageEnd_ + length > kBootAddress - 1)
         return false;
     for (int i = 0; i < length; ++i)
         eeprom_[static_cast<size_t>(imageEnd_ + i)] = bytes[i];

@@ -208,7 +208,7 @@ std::optional<SimDevice> deviceFromJson(const QJsonObject& object, QString* erro
         bytes[static_cast<size_t>(i)] = static_cast<std::uint8_t>(raw.at(i));
     device.setEepromBytes(bytes);
     device.reloadCounters();
-    
+    device.setOutputState(static_cast<int>(output));
     device.setIlsInput(static_cast<int>(ils));
     device.setFastClock(fastClock);
     device.setProgrammeStopped(programmeStop);

@@ -57,6 +57,9 @@ struct SimulatedBus::Core {
 
     mutable std::mutex mutex;
     std::vector<Slot> slots;
+    // Handles remember the generation they were opened in; a device that is
+    // unplugged, or replaced by a load, gets a new one.
+    int generations = 0;
     std::function<qint64()> clock = [] { return QDateTime::currentMSecsSinceEpoch(); };
     std::function<void(int)> sleep = [](int ms) {
         std::this_thread::sleep_for(std::chrono::milliseconds(ms));
@@ -74,6 +77,11 @@ struct SimulatedBus::Core {
             if (slot.device.uniqueId() == id)
                 return &slot;
         return nullptr;
+    }
+
+    void addSlot(SimDevice device) {
+        slots.emplace_back(std::move(device));
+        slots.back().generation = ++generations;
     }
 
     std::int32_t nextFreeId() {
@@ -306,7 +314,7 @@ std::int32_t SimulatedBus::addDevice(const SimDeviceConfig& config, QString* err
     }
     SimDevice device(actual);
     device.setRestartSilenceMs(core_->restartSilenceMs);
-    core_->slots.emplace_back(std::move(device));
+    core_->addSlot(std::move(device));
     core_->autosave();
     return actual.uniqueId;
 }
@@ -333,8 +341,10 @@ bool SimulatedBus::modify(std::int32_t uniqueId, const std::function<void(SimDev
         return false;
     const bool wasPlugged = slot->device.plugged();
     change(slot->device);
-    if (wasPlugged && !slot->device.plugged())
-        ++slot->generation;
+    if (wasPlugged && !slot->device.plugged()) {
+        slot->generation = ++core_->generations;
+        slot->pending.reset();
+    }
     core_->autosave();
     return true;
 }
@@ -475,7 +485,7 @@ bool SimulatedBus::load(const QString& path, QString* error) {
     std::lock_guard lock(core_->mutex);
     core_->slots.clear();
     for (SimDevice& device : *devices)
-        core_->slots.emplace_back(std::move(device));
+        core_->addSlot(std::move(device));
     return true;
 }
 

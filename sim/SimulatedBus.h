@@ -54,8 +54,9 @@ public:
     std::vector<std::int32_t> deviceIds() const;
     // A copy of a device's state, for looking at.
     std::optional<SimDevice> device(std::int32_t uniqueId) const;
-    // Runs `change` on the device under the lock (and autosaves after it).
-    // False when there is no such device.
+    // Runs `change` on the device under the lock (and autosaves after it);
+    // `change` must not call back into the bus. False when there is no such
+    // device.
     bool modify(std::int32_t uniqueId, const std::function<void(SimDevice&)>& change);
 
     // Faults. Each returns false when there is no such device.

@@ -4,8 +4,6 @@
 
 #include <QChar>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
 namespace qv {
@@ -100,35 +98,34 @@ QString legacyNumberText(double value) {
     if (value == 0)
         return QStringLiteral(" 0");
 
-    // Fifteen significant digits, as the runtime shows a double.
+    // Fifteen significant digits, as the runtime shows a double: "d.ddd…e±xx".
     // QString::number ignores the C library's numeric locale.
-    const std::string scientific = QString::number(std::fabs(value), 'e', 14).toStdString();
-    const auto e = scientific.find('e');
-    std::string digits = scientific.substr(0, 1) + scientific.substr(2, e - 2);
-    int exponent = std::atoi(scientific.c_str() + e + 1);
-    while (digits.size() > 1 && digits.back() == '0')
-        digits.pop_back();
+    const QString scientific = QString::number(std::fabs(value), 'e', 14);
+    const qsizetype e = scientific.indexOf(QLatin1Char('e'));
+    QString digits = scientific.left(1) + scientific.mid(2, e - 2);
+    const int exponent = scientific.mid(e + 1).toInt();
+    while (digits.size() > 1 && digits.endsWith(QLatin1Char('0')))
+        digits.chop(1);
 
-    std::string text;
+    QString text = value < 0 ? QStringLiteral("-") : QStringLiteral(" ");
     if (exponent < -4 || exponent >= 15) {
-        text = digits.substr(0, 1);
+        text += digits.left(1);
         if (digits.size() > 1)
-            text += "." + digits.substr(1);
-        char exponentText[16];
-        std::snprintf(exponentText, sizeof exponentText, "E%c%02d", exponent < 0 ? '-' : '+',
-                      std::abs(exponent));
-        text += exponentText;
+            text += QLatin1Char('.') + digits.mid(1);
+        text += QStringLiteral("E%1%2")
+                    .arg(QLatin1Char(exponent < 0 ? '-' : '+'))
+                    .arg(std::abs(exponent), 2, 10, QLatin1Char('0'));
     } else if (exponent >= 0) {
-        const auto integerDigits = std::size_t(exponent) + 1;
+        const qsizetype integerDigits = exponent + 1;
         if (digits.size() <= integerDigits) {
-            text = digits + std::string(integerDigits - digits.size(), '0');
+            text += digits + QString(integerDigits - digits.size(), QLatin1Char('0'));
         } else {
-            text = digits.substr(0, integerDigits) + "." + digits.substr(integerDigits);
+            text += digits.left(integerDigits) + QLatin1Char('.') + digits.mid(integerDigits);
         }
     } else {
-        text = "." + std::string(std::size_t(-exponent - 1), '0') + digits;
+        text += QLatin1Char('.') + QString(-exponent - 1, QLatin1Char('0')) + digits;
     }
-    return QString::fromLatin1((value < 0 ? "-" : " ") + text);
+    return text;
 }
 
 std::optional<double> parseLegacyNumber(const QString& text) {

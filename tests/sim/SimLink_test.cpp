@@ -40,16 +40,6 @@ TEST_F(SimLink, EveryCommandPassesTheLinksCheckOnTheFirstAttempt) {
     EXPECT_TRUE(dialogs.boxes().empty());
 }
 
-TEST_F(SimLink, ReadsAndWritesReachTheDeviceThroughTheLink) {
-    SimDeviceConfig config;
-    config.serial = 1234;
-    const std::int32_t id = add(config);
-    EXPECT_EQ((*exchange(id, {0xFE, 16, 0}, 2))[1], 1234 & 0xFF);
-    EXPECT_EQ((*exchange(id, {0xFE, 17, 0}, 2))[1], 1234 >> 8);
-    EXPECT_EQ((*exchange(id, {0xFF, 45, 0xE9}, 2))[1], 0xE9);
-    EXPECT_EQ(bus.device(id)->eeprom(45), 0xE9);
-}
-
 TEST_F(SimLink, RestartFrameLooksLikeALostDeviceToTheLink) {
     const std::int32_t id = add();
     EXPECT_FALSE(exchange(id, Bytes(16, 0), 8).has_value());
@@ -128,16 +118,6 @@ TEST_F(SimLink, FaultsMeetTheLinksRetries) {
     }
 }
 
-TEST_F(SimLink, ReplugGivesTheDeviceBack) {
-    const std::int32_t id = add();
-    bus.unplug(id);
-    EXPECT_FALSE(exchange(id, {0xF0}, 9).has_value());
-    bus.replug(id);
-    EXPECT_TRUE(exchange(id, {0xF0}, 9).has_value());
-}
-
-// A worker thread runs exchanges while the main thread looks at and changes
-// another device; nothing may be lost or torn.
 TEST_F(SimLink, ExchangesOnAWorkerThreadWhileTheMainThreadChangesDevices) {
     const std::int32_t worked = add();
     const std::int32_t touched = add();

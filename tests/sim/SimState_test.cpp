@@ -171,6 +171,16 @@ TEST_F(SimState, MalformedFilesGiveAClearErrorAndLeaveTheBus) {
     EXPECT_TRUE(error.contains(QStringLiteral("missing.json")));
 }
 
+TEST_F(SimState, LoadingReplacesDevicesAndStalesTheirHandles) {
+    const std::int32_t id = add();
+    const QString file = path("reload.json");
+    ASSERT_TRUE(bus.save(file));
+    auto old = bus.open(id);
+    ASSERT_TRUE(bus.load(file));
+    EXPECT_FALSE(old->write(checkedFrame({0xF0})));
+    EXPECT_TRUE(command(id, {0xF0}).has_value());
+}
+
 TEST_F(SimState, OptionalFieldsFallBackToAFreshController) {
     QJsonObject device;
     device.insert(QStringLiteral("id"), 1000);
