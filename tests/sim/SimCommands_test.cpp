@@ -1,5 +1,6 @@
 #include "SimTestSupport.h"
 
+#include <random>
 #include <vector>
 
 namespace qv::test {
@@ -69,6 +70,37 @@ TEST_F(SimCommands, FramesThatAreNotRightGetNoAnswer) {
         nowMs += 10000; // past any restart silence of the case before
         EXPECT_FALSE(transfer(id, frame).has_value());
     }
+}
+
+// Garbage of every length, half of it with a valid check value: the model
+// answers only with well-formed replies and never falls over.
+TEST_F(SimCommands, GarbageGetsWellFormedRepliesOrNone) {
+    SimDeviceConfig old;
+    old.firmware = *FirmwareVersion::parse(QStringLiteral("2.60"));
+    const std::int32_t id = add(old);
+    std::mt19937 random(2024);
+    int answered = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const bool frameSized = random() % 2 == 0;
+        QByteArray transfer(frameSized ? 16 : static_cast<int>(random() % 20), '\0');
+        for (auto& b : transfer)
+            b = static_cast<char>(random() % 4 == 0 ? 0 : random());
+        if (frameSized && random() % 2 == 0) {
+            static const int known[] = {0x00, 0x01, 0x02, 0x03, 0x04, 0x1F, 0xF0,
+                                        0xF1, 0xF3, 0xFB, 0xFC, 0xFE, 0xFF};
+            transfer[0] = static_cast<char>(known[random() % std::size(known)]);
+            transfer = withCheckValue(transfer.left(14));
+        }
+        nowMs += 5000;
+        bus.restartFromBootloader(id);
+        const auto reply = transfer.isEmpty() ? std::nullopt : this->transfer(id, transfer);
+        if (!reply)
+            continue;
+        ++answered;
+        EXPECT_TRUE(checkValueHolds(*reply) || reply->size() == 7);
+        EXPECT_EQ(at(*reply, 0), at(transfer, 0));
+    }
+    EXPECT_GT(answered, 100);
 }
 
 TEST_F(SimCommands, IdentityCarriesVersionsCodeAndBatteryInTheirBytes) {
