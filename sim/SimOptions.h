@@ -39,7 +39,7 @@ struct SimOptions {
     int readWaitMs = 0; // how long a read waits on a silent device
 };
 
-// Parses the text after "sim" in a link spec ("devices=2,firmware=2.60");
+// Parses the text after "sim" of a --link argument ("devices=2,firmware=2.60");
 // a leading "sim" or ":" is accepted too. Empty text gives the defaults.
 // On an unknown key or a bad value: nullopt and a message naming it.
 std::optional<SimOptions> parseSimOptions(const QString& text, QString* error = nullptr);

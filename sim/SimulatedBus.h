@@ -35,7 +35,7 @@ public:
     SimulatedBus(const SimulatedBus&) = delete;
     SimulatedBus& operator=(const SimulatedBus&) = delete;
 
-    // The bus that a link spec describes: the state file loaded when it
+    // The bus that a --link argument describes: the state file loaded when it
     // exists, otherwise created from the options (and saved at once when a
     // path is given); faults, trace and timings applied. nullptr and a
     // message when the state file or the trace file cannot be used.

@@ -69,6 +69,14 @@ private:
         return n.isText() || n.isCDATASection() || n.isEntityReference();
     }
 
+    static bool isLeaf(const QDomNode& n) {
+        for (QDomNode c = n.firstChild(); !c.isNull(); c = c.nextSibling()) {
+            if (!isTextLike(c))
+                return false;
+        }
+        return true;
+    }
+
     bool node(const QDomNode& n, int depth, bool inLine) {
         switch (n.nodeType()) {
         case QDomNode::ElementNode:
@@ -143,6 +151,15 @@ private:
         bool structured = !inLine;
         for (int i = 0; structured && i < children.count(); ++i)
             structured = !isTextLike(children.item(i));
+        // A message or a list row, a few fields of text, reads best on one
+        // line, as the files are written by hand.
+        if (structured && children.count() <= 4) {
+            bool fields = true;
+            for (int i = 0; fields && i < children.count(); ++i)
+                fields = children.item(i).isElement() && !children.item(i).hasAttributes() &&
+                         isLeaf(children.item(i));
+            structured = !fields;
+        }
 
         for (int i = 0; i < children.count(); ++i) {
             if (structured) {

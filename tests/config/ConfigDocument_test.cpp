@@ -612,7 +612,11 @@ TEST_F(ConfigDocumentTest, SavedFilesAreIndentedUtf8AndReadBackTheSame) {
     EXPECT_TRUE(bytes.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Configuration>\n  "
                                  "<Splash>False</Splash>\n"))
         << bytes.constData();
-    EXPECT_TRUE(bytes.contains("\n    <Langue Nom=\"English\">\n      <Message Id=\"m\">\n"));
+    EXPECT_TRUE(bytes.contains("\n    <Langue Nom=\"English\">\n      <Message "
+                               "Id=\"m\"><Cle>Quorvel Absent</Cle><Texte>Quorvel not "
+                               "found</Texte></Message>\n"));
+    EXPECT_TRUE(bytes.contains("\n  <CONDITIONS>\n    <Condition NOM=\"MASTER\" "
+                               "SORTIE=\"1\"/>\n  </CONDITIONS>\n"));
     EXPECT_TRUE(bytes.contains("été")); // UTF-8, not a character reference
 
     ConfigDocument fresh(path);

@@ -6,7 +6,7 @@
 namespace qv::test {
 namespace {
 
-TEST(SimOptions, FullSpecFillsEveryField) {
+TEST(SimOptions, EveryKeyFillsItsField) {
     QString error;
     const auto options = parseSimOptions(
         QStringLiteral("devices=2,firmware=2.60,hardware=4,serial=1234,bootloader=2.1,"
