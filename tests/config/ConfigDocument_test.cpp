@@ -497,6 +497,10 @@ TEST_F(ConfigDocumentTest, AMissingFileIsAnErrorNamingItAndNothingIsWritten) {
     EXPECT_THROW(doc.LitSplash(), ConfigError);
     EXPECT_THROW(doc.EcritValeurXML("Langue", QString("x")), ConfigError);
     EXPECT_FALSE(QFileInfo::exists(absent));
+
+    ConfigDocument folder(dir.path());
+    EXPECT_THROW(folder.LitSplash(), ConfigError);
+    EXPECT_TRUE(QFileInfo(dir.path()).isDir());
 }
 
 struct MalformedCase {

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "device/Device.h"
+#include "link/Bytes.h"
+#include "programme/Conditions.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+#include <cstdint>
+
+namespace qv {
+
+// The controller does not take a memory image from us: it takes one frame
+// per piece of a line and lays the image out itself from address 48 on. The
+// frames below carry only the time part of a line; logic sub-conditions,
+// regulation, comment and name stay on the PC.
+//
+// Every builder gives a 16-element request whose unnamed bytes are 0, and
+// throws OverflowError when a field does not fit its byte (a negative one
+// included): nothing is sent for that frame.
+
+// Command 0x02: a new, empty image, with the default state of output 0.
+Bytes beginProgrammeFrame(std::int16_t etatDefaut);
+
+// Command 0x03: the head of line `n` (1-based position in the collection).
+// Valeur goes as its low byte, and only when Format is 0. Temporisation
+// travels high byte first here, although the image keeps it low byte first.
+Bytes conditionFrame(const Condition& c, int n);
+
+// Command 0x1F, sub-command 9: the day and time of a line (sent for every
+// Jour but 0 and 12), the start of a range when Jour is 11.
+Bytes dayTimeFrame(const Condition& c);
+
+// Command 0x1F, sub-command 10: the end of a range (Jour 11).
+Bytes rangeEndFrame(const Condition& c);
+
+// Command 0x1F, sub-command 11: a periodic line (Jour 12). Day of the month
+// before month, then time of day and the period in days.
+Bytes periodFrame(const Condition& c);
+
+struct EnvoiResultat {
+    bool resultat = false;  // every frame has gone
+    bool cancelled = false; // the operator said Cancel: nothing was sent
+};
+
+// Sends `conditions` to the device in use, after the operator's consent.
+//
+// The question `questionText` (the text of "Les anciennes valeurs seront
+// écrasées") is always asked, with an empty programme too, since the old
+// image is lost either way. Any answer but OK counts as Cancel. Then the
+// device's clock is set (option 255: a programme follows), the image is
+// begun with `etatDefaut`, and each line goes as one to three frames. The
+// first frame that times out ends the download: the device keeps the lines
+// sent so far, and the link has shown its box. A failure by check value
+// alone does not stop it; the link has already tried three times.
+//
+// `etatDefaut` is the state that Donne_EtatDefautSortie gives for output 0
+// in the first language of the list (not necessarily the one in use).
+// `madate` gives the day of the week of the clock frame.
+//
+// A field that does not fit its byte throws OverflowError when its frame is
+// built; the frames before it have gone. The editor's limits keep this from
+// happening.
+EnvoiResultat Envoi_Conditions(Device& device, const Conditions& conditions,
+                               std::int16_t etatDefaut, const QString& questionText,
+                               const QDate& madate,
+                               const QDateTime& now = QDateTime::currentDateTime());
+
+} // namespace qv
