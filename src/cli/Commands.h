@@ -20,6 +20,7 @@ struct CliCommand {
 
 const std::vector<CliCommand>& deviceCommands();
 const std::vector<CliCommand>& programmeCommands();
+const std::vector<CliCommand>& configCommands();
 
 // Exit statuses.
 constexpr int kExitOk = 0;

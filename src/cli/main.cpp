@@ -21,7 +21,7 @@ void printUsage(std::FILE* out) {
                "ID is a device id as `devices --json` prints it; by default the first device.\n\n"
                "commands:\n",
                out);
-    for (const auto* list : {&deviceCommands(), &programmeCommands()}) {
+    for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands()}) {
         for (const CliCommand& c : *list)
             std::fprintf(out, "  %-20s %s\n", qUtf8Printable(c.words.join(QLatin1Char(' '))),
                          qUtf8Printable(c.summary));
@@ -30,7 +30,7 @@ void printUsage(std::FILE* out) {
 
 const CliCommand* findCommand(QStringList& words) {
     const CliCommand* best = nullptr;
-    for (const auto* list : {&deviceCommands(), &programmeCommands()}) {
+    for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands()}) {
         for (const CliCommand& c : *list) {
             if (words.size() >= c.words.size() && words.mid(0, c.words.size()) == c.words &&
                 (!best || c.words.size() > best->words.size()))
@@ -75,6 +75,11 @@ int run(QStringList words) {
     session.config = std::make_unique<ConfigDocument>(appDir.configPath());
     session.config->load(); // a missing or malformed file stops here, before any device work
 
+    Arguments commandArgs(rest);
+    const auto& configOnly = configCommands();
+    if (command >= configOnly.data() && command < configOnly.data() + configOnly.size())
+        return command->run(session, commandArgs);
+
     QString busError;
     session.bus = makeBus(linkSpec, &busError);
     if (!session.bus)
@@ -89,7 +94,6 @@ int run(QStringList words) {
     else if (session.bus->deviceCount() > 0)
         session.state.UsbID = session.bus->uniqueId(0);
 
-    Arguments commandArgs(rest);
     return command->run(session, commandArgs);
 }
 

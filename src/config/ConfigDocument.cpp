@@ -366,7 +366,10 @@ QString ConfigDocument::LitMessage(const QString& langue, const QString& index,
                 const QDomElement key = childAt(m, 0);
                 if (key.isNull())
                     continue;
-                const QString upperKey = key.text().toUpper();
+                // Stored keys are compared without their surrounding blanks,
+                // as the XML reader of the files' first users gave them:
+                // " Unsupported hardware..." must find itself.
+                const QString upperKey = trimBlanks(key.text()).toUpper();
                 if (!table->messages.contains(upperKey)) // the walk stops at the first
                     table->messages.insert(upperKey, m);
             }

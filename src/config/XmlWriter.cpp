@@ -1,5 +1,7 @@
 #include "config/XmlWriter.h"
 
+#include "config/AttributeOrder.h"
+
 #include <QDomNamedNodeMap>
 #include <QRegularExpression>
 #include <QTextStream>
@@ -134,6 +136,17 @@ private:
             attributes.emplace_back(attr.name(), attr.value());
         }
         std::sort(attributes.begin(), attributes.end());
+        const QStringList order = attributeOrder(e);
+        if (!order.isEmpty()) {
+            const auto rank = [&order](const QString& name) {
+                const qsizetype i = order.indexOf(name.toUpper());
+                return i < 0 ? order.size() : i;
+            };
+            std::stable_sort(attributes.begin(), attributes.end(),
+                             [&rank](const auto& a, const auto& b) {
+                                 return rank(a.first) < rank(b.first);
+                             });
+        }
         for (const auto& [name, value] : attributes) {
             out_ += QLatin1Char(' ') + name + QLatin1String("=\"");
             if (!escaped(value, true))

@@ -1,5 +1,6 @@
 #include "programme/ProgrammeStore.h"
 
+#include "config/AttributeOrder.h"
 #include "config/LegacyNumber.h"
 #include "link/Bytes.h"
 
@@ -208,16 +209,7 @@ bool isRowsNode(const QDomNode& node) {
 
 } // namespace
 
-const QStringList& conditionAttributeNames() {
-    static const QStringList names = [] {
-        QStringList list;
-        for (const RowAttribute& attribute : schema()) {
-            list << attribute.name;
-        }
-        return list;
-    }();
-    return names;
-}
+const QStringList& conditionAttributeNames() { return conditionRowAttributeOrder(); }
 
 QStringList LitConditions(const QDomDocument& document, Conditions& conditions) {
     QStringList added;
