@@ -1,0 +1,142 @@
+// quorvelctl as a user runs it: a separate process per command, simulated
+// controllers kept in a state file between runs.
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+class QuorvelctlTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QString link;
+
+    void SetUp() override {
+        ASSERT_TRUE(dir.isValid());
+        link = QStringLiteral("sim:devices=2,serial=1234,restartMs=0,state=%1/sim.json")
+                   .arg(dir.path());
+    }
+
+    Outcome run(QStringList args, bool withLink = true) {
+        QStringList all{QStringLiteral("--app-dir"), dir.path()};
+        if (withLink)
+            all << QStringLiteral("--link") << link;
+        all << args;
+        QProcess process;
+        process.start(QStringLiteral(QUORVELCTL_PATH), all);
+        EXPECT_TRUE(process.waitForFinished(30000));
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+};
+
+TEST_F(QuorvelctlTest, DevicesAsTheConnectionListShowsThem) {
+    const Outcome r = run({QStringLiteral("devices")});
+    EXPECT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, QStringLiteral("Quorvel : (12) 2.70     BL V 103-->1234\n"
+                                    "Quorvel : (12) 2.70     BL V 103-->1235\n"));
+    const Outcome json = run({QStringLiteral("--json"), QStringLiteral("devices")});
+    const QJsonArray lines = QJsonDocument::fromJson(json.out.toUtf8()).array();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[1].toObject()[QStringLiteral("id")].toInteger(), 0x5A000002);
+}
+
+TEST_F(QuorvelctlTest, MemoryWrittenInOneRunIsReadInTheNext) {
+    ASSERT_EQ(run({QStringLiteral("eeprom"), QStringLiteral("write"), QStringLiteral("9"),
+                   QStringLiteral("30")})
+                  .status,
+              0);
+    const Outcome plain = run({QStringLiteral("eeprom"), QStringLiteral("read"), QStringLiteral("9"),
+                           QStringLiteral("2")});
+    EXPECT_EQ(plain.out, QStringLiteral("9 30\n10 0\n"));
+    const Outcome json = run({QStringLiteral("--json"), QStringLiteral("eeprom"),
+                          QStringLiteral("read"), QStringLiteral("16"), QStringLiteral("4")});
+    EXPECT_EQ(json.out.trimmed(), QStringLiteral("{\"address\":16,\"values\":[210,4,0,0]}"));
+}
+
+TEST_F(QuorvelctlTest, ExitStatusTellsWhatWentWrong) {
+    struct Case {
+        QStringList args;
+        int status;
+        const char* errorContains;
+    };
+    const Case cases[] = {
+        {{QStringLiteral("identity")}, 0, ""},
+        {{QStringLiteral("clock"), QStringLiteral("set")}, 0, ""},
+        {{QStringLiteral("eeprom"), QStringLiteral("write"), QStringLiteral("256"),
+          QStringLiteral("1")},
+         2, "read only"},
+        {{QStringLiteral("eeprom"), QStringLiteral("read"), QStringLiteral("600")}, 2, "ADDR"},
+        {{QStringLiteral("eeprom"), QStringLiteral("read")}, 2, "missing ADDR"},
+        {{QStringLiteral("frobnicate")}, 2, "unknown command"},
+        {{QStringLiteral("identity"), QStringLiteral("extra")}, 2, "unexpected argument"},
+        {{QStringLiteral("--device"), QStringLiteral("12345"), QStringLiteral("identity")}, 1,
+         "(Time Out)"},
+    };
+    for (const auto& c : cases) {
+        const Outcome r = run(c.args);
+        EXPECT_EQ(r.status, c.status) << c.args.join(' ').toStdString() << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(QString::fromUtf8(c.errorContains)))
+            << r.err.toStdString();
+    }
+}
+
+TEST_F(QuorvelctlTest, LostRepliesGiveTheLinkMessageAndStatusOne) {
+    link += QStringLiteral(",drop=3");
+    const Outcome r = run({QStringLiteral("value"), QStringLiteral("read"), QStringLiteral("0")});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.err.contains(QStringLiteral("(Time Out)"))) << r.err.toStdString();
+    EXPECT_EQ(r.err.count(QStringLiteral("(Time Out)")), 1);
+}
+
+TEST_F(QuorvelctlTest, MalformedConfigurationStopsWithFileLineAndColumn) {
+    QFile file(dir.filePath(QStringLiteral("config.xml")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<Configuration>\n  <Messages>\n</Configuration>\n");
+    file.close();
+    const Outcome r = run({QStringLiteral("identity")});
+    EXPECT_EQ(r.status, 3);
+    EXPECT_TRUE(r.err.contains(QStringLiteral("config.xml"))) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QStringLiteral("3"))) << r.err.toStdString();
+    QFile again(dir.filePath(QStringLiteral("config.xml")));
+    ASSERT_TRUE(again.open(QIODevice::ReadOnly));
+    EXPECT_EQ(again.readAll(), QByteArray("<Configuration>\n  <Messages>\n</Configuration>\n"));
+}
+
+TEST_F(QuorvelctlTest, HelpForEveryCommand) {
+    const Outcome top = run({QStringLiteral("--help")}, false);
+    EXPECT_EQ(top.status, 0);
+    const QStringList commands{QStringLiteral("devices"), QStringLiteral("identity"),
+                               QStringLiteral("eeprom read"), QStringLiteral("eeprom write"),
+                               QStringLiteral("value read"), QStringLiteral("clock read"),
+                               QStringLiteral("clock set"), QStringLiteral("message"),
+                               QStringLiteral("config get")};
+    for (const QString& command : commands) {
+        EXPECT_TRUE(top.out.contains(command)) << command.toStdString();
+        QStringList args = command.split(' ');
+        args << QStringLiteral("--help");
+        const Outcome r = run(args, false);
+        EXPECT_EQ(r.status, 0) << command.toStdString();
+        EXPECT_TRUE(r.out.contains(command)) << command.toStdString();
+    }
+}
+
+TEST_F(QuorvelctlTest, UsbLinkIsNamedAsMissing) {
+    const Outcome r = run({QStringLiteral("--link"), QStringLiteral("usb"), QStringLiteral("devices")},
+                      false);
+    EXPECT_EQ(r.status, 2);
+    EXPECT_TRUE(r.err.contains(QStringLiteral("USB"))) << r.err.toStdString();
+}
+
+} // namespace
