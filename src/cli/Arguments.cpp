@@ -3,7 +3,8 @@
 namespace qv {
 
 std::optional<QString> Arguments::takeOption(const QString& name) {
-    const QString flag = QStringLiteral("--") + name;
+    // One-letter options take one dash (-o FILE), longer ones two.
+    const QString flag = (name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name;
     for (int i = 0; i < words_.size(); ++i) {
         if (words_[i] == flag) {
             if (i + 1 >= words_.size())

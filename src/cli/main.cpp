@@ -28,6 +28,13 @@ void printUsage(std::FILE* out) {
     }
 }
 
+// Commands that work on files alone run without opening a link.
+bool needsDevice(const CliCommand& command) {
+    const QString first = command.words.first();
+    return first != QLatin1String("message") && first != QLatin1String("config") &&
+           command.words != QStringList{QStringLiteral("programme"), QStringLiteral("show")};
+}
+
 const CliCommand* findCommand(QStringList& words) {
     const CliCommand* best = nullptr;
     for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands()}) {
@@ -76,8 +83,7 @@ int run(QStringList words) {
     session.config->load(); // a missing or malformed file stops here, before any device work
 
     Arguments commandArgs(rest);
-    const auto& configOnly = configCommands();
-    if (command >= configOnly.data() && command < configOnly.data() + configOnly.size())
+    if (!needsDevice(*command))
         return command->run(session, commandArgs);
 
     QString busError;
