@@ -62,8 +62,8 @@ std::pair<std::string, std::string> roundedParts(double magnitude, int decimals)
     if (d.pointPosition <= 0) {
         fraction = std::string(static_cast<size_t>(-d.pointPosition), '0') + d.digits;
     } else if (d.pointPosition >= static_cast<int>(d.digits.size())) {
-        integer = d.digits +
-                  std::string(static_cast<size_t>(d.pointPosition) - d.digits.size(), '0');
+        integer =
+            d.digits + std::string(static_cast<size_t>(d.pointPosition) - d.digits.size(), '0');
     } else {
         integer = d.digits.substr(0, static_cast<size_t>(d.pointPosition));
         fraction = d.digits.substr(static_cast<size_t>(d.pointPosition));
@@ -137,14 +137,15 @@ QString vbNumberText(double value, const QLocale& locale) {
         return text;
     }
     if (d.pointPosition <= 0) {
-        text += QLatin1Char('0') + point +
-                QString(-d.pointPosition, QLatin1Char('0')) + QString::fromStdString(d.digits);
+        text += QLatin1Char('0') + point + QString(-d.pointPosition, QLatin1Char('0')) +
+                QString::fromStdString(d.digits);
     } else if (d.pointPosition >= static_cast<int>(d.digits.size())) {
         text += QString::fromStdString(d.digits) +
                 QString(d.pointPosition - static_cast<int>(d.digits.size()), QLatin1Char('0'));
     } else {
         text += QString::fromStdString(d.digits.substr(0, static_cast<size_t>(d.pointPosition))) +
-                point + QString::fromStdString(d.digits.substr(static_cast<size_t>(d.pointPosition)));
+                point +
+                QString::fromStdString(d.digits.substr(static_cast<size_t>(d.pointPosition)));
     }
     return text;
 }
