@@ -116,9 +116,8 @@ void readTerm(ImageReader& image, int p, Condition& c) {
         return;
     }
     // A logic sub-condition, indexed by its first byte. An index with no
-    // place in the line comes from a damaged image: the term is passed over.
-    if (!Condition::inBounds(a))
-        return;
+    // place in the line comes from a damaged image: the setters refuse it,
+    // and the read goes on at the next term.
     c.setOperateur(a, static_cast<std::uint8_t>(image.byte(p + 1)));
     c.setNumero(a, static_cast<std::uint8_t>(a));
     const double valeur1 = image.byte(p + 2) + 256.0 * image.byte(p + 3);

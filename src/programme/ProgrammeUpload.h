@@ -58,7 +58,7 @@ struct ProgrammeLu {
 // The firmware marks the end with a 255, and a dead device answers every
 // read with 0, which is no mark; so the read also stops at the first read
 // that goes unanswered and before any read past address 511. A damaged
-// image thus costs at most one exchange per byte of memory (the link's
+// image thus costs fewer than two exchanges per byte of memory (the link's
 // retries aside), and never loops.
 ProgrammeLu LitProgramme(Device& device, const MessageLookup& message,
                          const OutputFormatLookup& outputFormat);
