@@ -53,8 +53,11 @@ long long parseNumber(const QString& text, const QString& what, long long min, l
     bool ok = false;
     const long long value = text.trimmed().toLongLong(&ok, 0);
     if (!ok || value < min || value > max)
-        throw UsageError{
-            QStringLiteral("%1 must be a number from %2 to %3, not \"%4\"").arg(what).arg(min).arg(max).arg(text)};
+        throw UsageError{QStringLiteral("%1 must be a number from %2 to %3, not \"%4\"")
+                             .arg(what)
+                             .arg(min)
+                             .arg(max)
+                             .arg(text)};
     return value;
 }
 

@@ -46,7 +46,8 @@ const std::vector<CliCommand>& configCommands() {
          runMessage},
         {{QStringLiteral("config"), QStringLiteral("get")},
          QStringLiteral("the text of an element of config.xml (Splash, Maintenance, Langue, ...)"),
-         QStringLiteral("config get KEY"), runConfigGet},
+         QStringLiteral("config get KEY"),
+         runConfigGet},
     };
     return commands;
 }

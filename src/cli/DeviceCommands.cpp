@@ -28,7 +28,9 @@ void printJson(const QJsonValue& value) {
 
 namespace {
 
-int status(const Session& session) { return session.failed() ? kExitDeviceFailed : kExitOk; }
+int status(const Session& session) {
+    return session.failed() ? kExitDeviceFailed : kExitOk;
+}
 
 int runDevices(Session& s, Arguments& args) {
     const bool all = args.takeFlag(QStringLiteral("all"));
@@ -73,7 +75,8 @@ int runIdentity(Session& s, Arguments& args) {
         printLine(QStringLiteral("Model:       %1").arg(NomMateriel(id.hardwareCode, false)));
         printLine(QStringLiteral("Version:     %1").arg(id.versionCaption));
         printLine(QStringLiteral("Bootloader:  %1").arg(id.bootloaderText));
-        printLine(QStringLiteral("Battery:     %1 V (raw %2)").arg(id.batteryText).arg(id.batteryRaw));
+        printLine(
+            QStringLiteral("Battery:     %1 V (raw %2)").arg(id.batteryText).arg(id.batteryRaw));
         printLine(QStringLiteral("Serial:      %1").arg(serial));
     }
     return status(s);
@@ -83,9 +86,10 @@ int runEepromRead(Session& s, Arguments& args) {
     const int address = static_cast<int>(
         parseNumber(args.takePositional(QStringLiteral("ADDR")), QStringLiteral("ADDR"), 0, 511));
     const auto countText = args.takeOptionalPositional();
-    const int count = countText ? static_cast<int>(parseNumber(*countText, QStringLiteral("COUNT"),
-                                                               1, 512 - address))
-                                : 1;
+    const int count =
+        countText
+            ? static_cast<int>(parseNumber(*countText, QStringLiteral("COUNT"), 1, 512 - address))
+            : 1;
     args.expectEnd();
     s.state.TimeOut = false;
     QJsonArray values;
@@ -99,7 +103,8 @@ int runEepromRead(Session& s, Arguments& args) {
             printLine(QStringLiteral("%1 %2").arg(address + i).arg(value));
     }
     if (s.json)
-        printJson(QJsonObject{{QStringLiteral("address"), address}, {QStringLiteral("values"), values}});
+        printJson(
+            QJsonObject{{QStringLiteral("address"), address}, {QStringLiteral("values"), values}});
     return status(s);
 }
 
@@ -121,7 +126,8 @@ int runEepromWrite(Session& s, Arguments& args) {
     if (s.failed())
         return kExitDeviceFailed;
     if (s.json)
-        printJson(QJsonObject{{QStringLiteral("address"), address}, {QStringLiteral("answer"), answer}});
+        printJson(
+            QJsonObject{{QStringLiteral("address"), address}, {QStringLiteral("answer"), answer}});
     else
         printLine(QStringLiteral("%1 %2").arg(address).arg(answer));
     return kExitOk;
@@ -136,7 +142,8 @@ int runValueRead(Session& s, Arguments& args) {
     if (s.failed())
         return kExitDeviceFailed;
     if (s.json)
-        printJson(QJsonObject{{QStringLiteral("address"), address}, {QStringLiteral("value"), value}});
+        printJson(
+            QJsonObject{{QStringLiteral("address"), address}, {QStringLiteral("value"), value}});
     else
         printLine(QString::number(value));
     return kExitOk;
@@ -183,10 +190,12 @@ const std::vector<CliCommand>& deviceCommands() {
          runDevices},
         {{QStringLiteral("identity")},
          QStringLiteral("model, firmware, bootloader, battery and serial number"),
-         QStringLiteral("identity"), runIdentity},
+         QStringLiteral("identity"),
+         runIdentity},
         {{QStringLiteral("eeprom"), QStringLiteral("read")},
          QStringLiteral("read memory bytes (one line each: address value)"),
-         QStringLiteral("eeprom read ADDR [COUNT]\n  ADDR   0..511\n  COUNT  number of bytes, default 1"),
+         QStringLiteral(
+             "eeprom read ADDR [COUNT]\n  ADDR   0..511\n  COUNT  number of bytes, default 1"),
          runEepromRead},
         {{QStringLiteral("eeprom"), QStringLiteral("write")},
          QStringLiteral("write one memory byte (addresses 0..255)"),
@@ -194,12 +203,15 @@ const std::vector<CliCommand>& deviceCommands() {
          runEepromWrite},
         {{QStringLiteral("value"), QStringLiteral("read")},
          QStringLiteral("read a live value (0: output state, 2: ILS input)"),
-         QStringLiteral("value read ADDR"), runValueRead},
+         QStringLiteral("value read ADDR"),
+         runValueRead},
         {{QStringLiteral("clock"), QStringLiteral("read")},
-         QStringLiteral("read the controller's date and time"), QStringLiteral("clock read"),
+         QStringLiteral("read the controller's date and time"),
+         QStringLiteral("clock read"),
          runClockRead},
         {{QStringLiteral("clock"), QStringLiteral("set")},
-         QStringLiteral("set the controller's clock from this PC"), QStringLiteral("clock set"),
+         QStringLiteral("set the controller's clock from this PC"),
+         QStringLiteral("clock set"),
          runClockSet},
     };
     return commands;

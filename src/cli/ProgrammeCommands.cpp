@@ -36,7 +36,9 @@ QString firstLanguage(Session& s) {
     return languages.isEmpty() ? QString() : languages.first();
 }
 
-QString absolute(const QString& path) { return QFileInfo(path).absoluteFilePath(); }
+QString absolute(const QString& path) {
+    return QFileInfo(path).absoluteFilePath();
+}
 
 QString dayText(const Condition& c) {
     switch (c.Jour) {
@@ -70,16 +72,21 @@ void printConditions(Session& s, const Conditions& conditions) {
     if (s.json) {
         QJsonArray lines;
         for (const Condition& c : conditions)
-            lines.append(QJsonObject{
-                {QStringLiteral("nom"), c.Nom},         {QStringLiteral("sortie"), c.sortie},
-                {QStringLiteral("rang"), c.rang},       {QStringLiteral("format"), c.Format},
-                {QStringLiteral("valeur"), c.Valeur},   {QStringLiteral("temporisation"), c.Temporisation},
-                {QStringLiteral("jour"), c.Jour},       {QStringLiteral("heure"), c.Heure},
-                {QStringLiteral("minute"), c.Minute},   {QStringLiteral("seconde"), c.Seconde},
-                {QStringLiteral("finJour"), c.PlageFinJour}, {QStringLiteral("finHeure"), c.PlageFinHeure},
-                {QStringLiteral("finMinute"), c.PlageFinMinute},
-                {QStringLiteral("finSeconde"), c.PlageFinSeconde},
-                {QStringLiteral("commentaire"), c.Commentaire}});
+            lines.append(QJsonObject{{QStringLiteral("nom"), c.Nom},
+                                     {QStringLiteral("sortie"), c.sortie},
+                                     {QStringLiteral("rang"), c.rang},
+                                     {QStringLiteral("format"), c.Format},
+                                     {QStringLiteral("valeur"), c.Valeur},
+                                     {QStringLiteral("temporisation"), c.Temporisation},
+                                     {QStringLiteral("jour"), c.Jour},
+                                     {QStringLiteral("heure"), c.Heure},
+                                     {QStringLiteral("minute"), c.Minute},
+                                     {QStringLiteral("seconde"), c.Seconde},
+                                     {QStringLiteral("finJour"), c.PlageFinJour},
+                                     {QStringLiteral("finHeure"), c.PlageFinHeure},
+                                     {QStringLiteral("finMinute"), c.PlageFinMinute},
+                                     {QStringLiteral("finSeconde"), c.PlageFinSeconde},
+                                     {QStringLiteral("commentaire"), c.Commentaire}});
         printJson(lines);
         return;
     }
@@ -178,7 +185,8 @@ const std::vector<CliCommand>& programmeCommands() {
          runUpload},
         {{QStringLiteral("programme"), QStringLiteral("show")},
          QStringLiteral("the lines of the stored programme or of a file"),
-         QStringLiteral("programme show [FILE.prg]"), runShow},
+         QStringLiteral("programme show [FILE.prg]"),
+         runShow},
     };
     return commands;
 }

@@ -2,6 +2,8 @@
 
 namespace qv {
 
-QString Session::message(const QString& key) { return config->LitMessage(language, key, QString()); }
+QString Session::message(const QString& key) {
+    return config->LitMessage(language, key, QString());
+}
 
 } // namespace qv

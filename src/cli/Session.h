@@ -1,11 +1,11 @@
 #pragma once
 
+#include "StderrDialogs.h"
 #include "config/ConfigDocument.h"
 #include "device/Device.h"
 #include "link/Bus.h"
 #include "link/FrameLink.h"
 #include "link/PublicState.h"
-#include "StderrDialogs.h"
 
 #include <QString>
 #include <memory>

@@ -3,7 +3,8 @@
 namespace qv {
 
 int StderrDialogs::message(const QString& text, const QString& title, int style) {
-    const QString heading = title.trimmed().isEmpty() ? QStringLiteral("quorvelctl") : title.trimmed();
+    const QString heading =
+        title.trimmed().isEmpty() ? QStringLiteral("quorvelctl") : title.trimmed();
     std::fprintf(out_, "%s: %s\n", qUtf8Printable(heading), qUtf8Printable(text));
     std::fflush(out_);
     const int buttons = style & 7;

@@ -52,11 +52,13 @@ const CliCommand* findCommand(QStringList& words) {
 int run(QStringList words) {
     Arguments globals(words);
     const auto appDirOption = globals.takeOption(QStringLiteral("app-dir"));
-    const QString linkSpec = globals.takeOption(QStringLiteral("link")).value_or(QStringLiteral("usb"));
+    const QString linkSpec =
+        globals.takeOption(QStringLiteral("link")).value_or(QStringLiteral("usb"));
     const auto deviceOption = globals.takeOption(QStringLiteral("device"));
     const bool json = globals.takeFlag(QStringLiteral("json"));
     const bool yes = globals.takeFlag(QStringLiteral("yes"));
-    const bool help = globals.takeFlag(QStringLiteral("help")) || globals.takeFlag(QStringLiteral("h"));
+    const bool help =
+        globals.takeFlag(QStringLiteral("help")) || globals.takeFlag(QStringLiteral("h"));
 
     QStringList rest = globals.remaining();
     if (rest.isEmpty()) {

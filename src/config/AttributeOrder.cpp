@@ -11,14 +11,14 @@ void addIndexed(QStringList& names, const char* prefix) {
 
 const QStringList& conditionRowAttributeOrder() {
     static const QStringList names = [] {
-        QStringList list{QStringLiteral("NOM"),       QStringLiteral("TAG"),
-                         QStringLiteral("SORTIE"),    QStringLiteral("RANG"),
-                         QStringLiteral("FORMAT"),    QStringLiteral("VALEUR"),
+        QStringList list{QStringLiteral("NOM"),           QStringLiteral("TAG"),
+                         QStringLiteral("SORTIE"),        QStringLiteral("RANG"),
+                         QStringLiteral("FORMAT"),        QStringLiteral("VALEUR"),
                          QStringLiteral("TEMPORISATION"), QStringLiteral("OFFSET"),
-                         QStringLiteral("JOUR"),      QStringLiteral("HEURE"),
-                         QStringLiteral("MINUTE"),    QStringLiteral("SECONDE"),
-                         QStringLiteral("JOURFIN"),   QStringLiteral("HEUREFIN"),
-                         QStringLiteral("MINUTEFIN"), QStringLiteral("SECONDEFIN"),
+                         QStringLiteral("JOUR"),          QStringLiteral("HEURE"),
+                         QStringLiteral("MINUTE"),        QStringLiteral("SECONDE"),
+                         QStringLiteral("JOURFIN"),       QStringLiteral("HEUREFIN"),
+                         QStringLiteral("MINUTEFIN"),     QStringLiteral("SECONDEFIN"),
                          QStringLiteral("RECOPIEENTREE")};
         addIndexed(list, "NUMERO");
         addIndexed(list, "OPERATEUR");

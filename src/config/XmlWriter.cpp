@@ -142,10 +142,9 @@ private:
                 const qsizetype i = order.indexOf(name.toUpper());
                 return i < 0 ? order.size() : i;
             };
-            std::stable_sort(attributes.begin(), attributes.end(),
-                             [&rank](const auto& a, const auto& b) {
-                                 return rank(a.first) < rank(b.first);
-                             });
+            std::stable_sort(
+                attributes.begin(), attributes.end(),
+                [&rank](const auto& a, const auto& b) { return rank(a.first) < rank(b.first); });
         }
         for (const auto& [name, value] : attributes) {
             out_ += QLatin1Char(' ') + name + QLatin1String("=\"");

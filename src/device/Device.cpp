@@ -31,7 +31,8 @@ int replyByte(const Bytes& reply, size_t index) {
 
 int Device::LitValeur(int adresse) {
     // A byte can never exceed 32767, so the legacy sign correction is moot.
-    return replyByte(transact(frame({Command::ReadLiveValue, adresse}), ReplyLength::ReadLiveValue), 1);
+    return replyByte(transact(frame({Command::ReadLiveValue, adresse}), ReplyLength::ReadLiveValue),
+                     1);
 }
 
 std::int32_t Device::LitValeurMot(int adresse) {
@@ -49,7 +50,8 @@ int Device::LitEEprom(double adresse) {
 int Device::EcritEEprom(int adresse, int valeur) {
     toByte(adresse);
     toByte(valeur);
-    return replyByte(transact(frame({Command::WriteEeprom, adresse, valeur}), ReplyLength::WriteEeprom), 1);
+    return replyByte(
+        transact(frame({Command::WriteEeprom, adresse, valeur}), ReplyLength::WriteEeprom), 1);
 }
 
 std::int16_t Device::LitEEpromMot(int adresse) {
@@ -79,7 +81,9 @@ void Device::EcritEEpromLong(int adresse, std::int32_t valeur) {
         EcritEEprom(adresse + i, static_cast<int>(bytes[static_cast<size_t>(i)]));
 }
 
-std::int32_t Device::LitValeurTimer() { return LitEEpromlong(Address::ClockCalibration); }
+std::int32_t Device::LitValeurTimer() {
+    return LitEEpromlong(Address::ClockCalibration);
+}
 
 void Device::ResetDevice() {
     // The device restarts without answering; silence is the normal outcome.
@@ -87,7 +91,8 @@ void Device::ResetDevice() {
 }
 
 int Device::ForceRelectureCompteur() {
-    return replyByte(transact(frame({Command::ReloadCounters, 0, 0, 0, 1}), ReplyLength::ReloadCounters), 1);
+    return replyByte(
+        transact(frame({Command::ReloadCounters, 0, 0, 0, 1}), ReplyLength::ReloadCounters), 1);
 }
 
 std::int32_t Device::LitLogsMot(const std::vector<int>& logs, int indice) {

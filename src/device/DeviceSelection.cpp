@@ -13,7 +13,9 @@ DeviceSelection::DeviceSelection(Device& device, MessageLookup message)
     : device_(device), message_(std::move(message)),
       probeWait_([](int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }) {}
 
-void DeviceSelection::setProbeWait(std::function<void(int)> wait) { probeWait_ = std::move(wait); }
+void DeviceSelection::setProbeWait(std::function<void(int)> wait) {
+    probeWait_ = std::move(wait);
+}
 
 DeviceList DeviceSelection::RafraichitListe(bool toutAfficher) {
     PublicState& state = device_.state();
@@ -50,8 +52,7 @@ DeviceList DeviceSelection::RafraichitListe(bool toutAfficher) {
         state.TimeOut = false;
         bool modeleReconnu = false;
         QString serial;
-        const QString text =
-            LitVersion(link, state.UsbID, modeleReconnu, device_.absentMessage());
+        const QString text = LitVersion(link, state.UsbID, modeleReconnu, device_.absentMessage());
         if (!state.TimeOut && modeleReconnu)
             serial = LitSerieAppareil();
         if (state.TimeOut)
@@ -59,8 +60,7 @@ DeviceList DeviceSelection::RafraichitListe(bool toutAfficher) {
         if (!toutAfficher && !modeleReconnu)
             continue;
         const std::int32_t id = bus.uniqueId(index);
-        list.lines.push_back(
-            {serial.isEmpty() ? text : text + QStringLiteral("-->") + serial, id});
+        list.lines.push_back({serial.isEmpty() ? text : text + QStringLiteral("-->") + serial, id});
         if (savedId == id)
             list.selectedRow = static_cast<int>(list.lines.size()) - 1;
     }

@@ -53,7 +53,9 @@ QString NomMateriel(int code, bool variante) {
 }
 
 namespace {
-long long at(const Bytes& reply, size_t index) { return index < reply.size() ? reply[index] : 0; }
+long long at(const Bytes& reply, size_t index) {
+    return index < reply.size() ? reply[index] : 0;
+}
 
 QString nameAndVersion(const Bytes& reply) {
     const long long code = at(reply, 2);

@@ -20,13 +20,19 @@ FrameLink::FrameLink(Bus& bus, Dialogs& dialogs, PublicState& state)
 
 FrameLink::~FrameLink() = default;
 
-void FrameLink::setPause(std::function<void(int)> pause) { pause_ = std::move(pause); }
-void FrameLink::setClock(std::function<QDateTime()> clock) { clock_ = std::move(clock); }
+void FrameLink::setPause(std::function<void(int)> pause) {
+    pause_ = std::move(pause);
+}
+void FrameLink::setClock(std::function<QDateTime()> clock) {
+    clock_ = std::move(clock);
+}
 void FrameLink::setDiagnosticHook(std::function<void(const QString&, const QString&)> hook) {
     diagnosticHook_ = std::move(hook);
 }
 
-void FrameLink::pause() { pause_(kPauseMs); }
+void FrameLink::pause() {
+    pause_(kPauseMs);
+}
 
 bool FrameLink::OuvreUsb(std::int32_t usbId) {
     FermeUsb();
@@ -53,7 +59,8 @@ void FrameLink::EcritTrameUsb(const Bytes& donnees, int longueur) {
     // nothing is sent.
     QByteArray transfer = toTransfer(frame, longueur);
     if (longueur == 16) {
-        const std::uint16_t crc = crc16(reinterpret_cast<const std::uint8_t*>(transfer.constData()), 14);
+        const std::uint16_t crc =
+            crc16(reinterpret_cast<const std::uint8_t*>(transfer.constData()), 14);
         transfer[14] = static_cast<char>(crc & 0xFF);
         transfer[15] = static_cast<char>(crc >> 8);
     }
@@ -93,8 +100,7 @@ Bytes FrameLink::LitReponseUsb(std::int16_t& longueur, const QString& message, b
     QByteArray received;
     if (handleLecture_)
         received = handleLecture_->read(longueur);
-    ControleErreurApi(QStringLiteral("ReadFile"),
-                      handleLecture_ ? handleLecture_->lastError() : 6);
+    ControleErreurApi(QStringLiteral("ReadFile"), handleLecture_ ? handleLecture_->lastError() : 6);
     if (!received.isEmpty()) {
         Bytes buffer(static_cast<size_t>(longueur), 0);
         for (int i = 0; i < received.size() && i < longueur; ++i)
@@ -124,8 +130,7 @@ Bytes FrameLink::LitBrutUsb(int longueur, const QString& message, bool afficheEr
     QByteArray received;
     if (handleLecture_)
         received = handleLecture_->read(longueur);
-    ControleErreurApi(QStringLiteral("ReadFile"),
-                      handleLecture_ ? handleLecture_->lastError() : 6);
+    ControleErreurApi(QStringLiteral("ReadFile"), handleLecture_ ? handleLecture_->lastError() : 6);
     if (!received.isEmpty()) {
         for (int i = 0; i < received.size() && i < longueur; ++i)
             result[static_cast<size_t>(i)] = static_cast<unsigned char>(received[i]);

@@ -15,7 +15,11 @@ struct PublicState {
 };
 
 // Booleans reach bytes and files in the legacy 16-bit form: true is -1.
-constexpr std::int16_t toLegacyBoolean(bool value) { return value ? -1 : 0; }
-constexpr bool fromLegacyBoolean(std::int32_t value) { return value != 0; }
+constexpr std::int16_t toLegacyBoolean(bool value) {
+    return value ? -1 : 0;
+}
+constexpr bool fromLegacyBoolean(std::int32_t value) {
+    return value != 0;
+}
 
 } // namespace qv

@@ -209,7 +209,9 @@ bool isRowsNode(const QDomNode& node) {
 
 } // namespace
 
-const QStringList& conditionAttributeNames() { return conditionRowAttributeOrder(); }
+const QStringList& conditionAttributeNames() {
+    return conditionRowAttributeOrder();
+}
 
 QStringList LitConditions(const QDomDocument& document, Conditions& conditions) {
     QStringList added;

@@ -59,24 +59,24 @@ TEST_F(ProgrammeCommandsTest, EveryKindOfLineGoesThereAndBack) {
     ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), prg));
     QFile::setPermissions(prg, QFile::ReadOwner | QFile::WriteOwner);
     Conditions sent;
-    sent.Add(line(0, {0, 0, 0}));                          // no time condition
-    sent.Add(line(3, {6, 30, 0}));                         // Wednesday 06:30
-    sent.Add(line(JourPlage, {22, 0, 0}, {23, 45, 30}));   // a range
-    sent.Add(line(JourPeriode, {7, 15, 3}, {4, 21, 0}));   // every 3 days from 21/4
+    sent.Add(line(0, {0, 0, 0}));                        // no time condition
+    sent.Add(line(3, {6, 30, 0}));                       // Wednesday 06:30
+    sent.Add(line(JourPlage, {22, 0, 0}, {23, 45, 30})); // a range
+    sent.Add(line(JourPeriode, {7, 15, 3}, {4, 21, 0})); // every 3 days from 21/4
     {
         ConfigDocument file(prg);
         SauveConditions(file, sent);
     }
 
-    ASSERT_EQ(run({QStringLiteral("--yes"), QStringLiteral("programme"),
-                   QStringLiteral("download"), prg}),
+    ASSERT_EQ(run({QStringLiteral("--yes"), QStringLiteral("programme"), QStringLiteral("download"),
+                   prg}),
               0);
     const QString back = dir.filePath(QStringLiteral("back.prg"));
     QString table;
-    ASSERT_EQ(run({QStringLiteral("programme"), QStringLiteral("upload"), QStringLiteral("-o"),
-                   back},
-                  &table),
-              0);
+    ASSERT_EQ(
+        run({QStringLiteral("programme"), QStringLiteral("upload"), QStringLiteral("-o"), back},
+            &table),
+        0);
     EXPECT_TRUE(table.contains(QStringLiteral("range 22:00:00-23:45:30"))) << table.toStdString();
 
     Conditions received;

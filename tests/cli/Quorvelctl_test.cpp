@@ -57,11 +57,11 @@ TEST_F(QuorvelctlTest, MemoryWrittenInOneRunIsReadInTheNext) {
                    QStringLiteral("30")})
                   .status,
               0);
-    const Outcome plain = run({QStringLiteral("eeprom"), QStringLiteral("read"), QStringLiteral("9"),
-                           QStringLiteral("2")});
+    const Outcome plain = run({QStringLiteral("eeprom"), QStringLiteral("read"),
+                               QStringLiteral("9"), QStringLiteral("2")});
     EXPECT_EQ(plain.out, QStringLiteral("9 30\n10 0\n"));
     const Outcome json = run({QStringLiteral("--json"), QStringLiteral("eeprom"),
-                          QStringLiteral("read"), QStringLiteral("16"), QStringLiteral("4")});
+                              QStringLiteral("read"), QStringLiteral("16"), QStringLiteral("4")});
     EXPECT_EQ(json.out.trimmed(), QStringLiteral("{\"address\":16,\"values\":[210,4,0,0]}"));
 }
 
@@ -76,19 +76,20 @@ TEST_F(QuorvelctlTest, ExitStatusTellsWhatWentWrong) {
         {{QStringLiteral("clock"), QStringLiteral("set")}, 0, ""},
         {{QStringLiteral("eeprom"), QStringLiteral("write"), QStringLiteral("256"),
           QStringLiteral("1")},
-         2, "read only"},
+         2,
+         "read only"},
         {{QStringLiteral("eeprom"), QStringLiteral("read"), QStringLiteral("600")}, 2, "ADDR"},
         {{QStringLiteral("eeprom"), QStringLiteral("read")}, 2, "missing ADDR"},
         {{QStringLiteral("frobnicate")}, 2, "unknown command"},
         {{QStringLiteral("identity"), QStringLiteral("extra")}, 2, "unexpected argument"},
-        {{QStringLiteral("--device"), QStringLiteral("12345"), QStringLiteral("identity")}, 1,
+        {{QStringLiteral("--device"), QStringLiteral("12345"), QStringLiteral("identity")},
+         1,
          "(Time Out)"},
     };
     for (const auto& c : cases) {
         const Outcome r = run(c.args);
         EXPECT_EQ(r.status, c.status) << c.args.join(' ').toStdString() << r.err.toStdString();
-        EXPECT_TRUE(r.err.contains(QString::fromUtf8(c.errorContains)))
-            << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(QString::fromUtf8(c.errorContains))) << r.err.toStdString();
     }
 }
 
@@ -117,11 +118,10 @@ TEST_F(QuorvelctlTest, MalformedConfigurationStopsWithFileLineAndColumn) {
 TEST_F(QuorvelctlTest, HelpForEveryCommand) {
     const Outcome top = run({QStringLiteral("--help")}, false);
     EXPECT_EQ(top.status, 0);
-    const QStringList commands{QStringLiteral("devices"), QStringLiteral("identity"),
-                               QStringLiteral("eeprom read"), QStringLiteral("eeprom write"),
-                               QStringLiteral("value read"), QStringLiteral("clock read"),
-                               QStringLiteral("clock set"), QStringLiteral("message"),
-                               QStringLiteral("config get")};
+    const QStringList commands{
+        QStringLiteral("devices"),      QStringLiteral("identity"),   QStringLiteral("eeprom read"),
+        QStringLiteral("eeprom write"), QStringLiteral("value read"), QStringLiteral("clock read"),
+        QStringLiteral("clock set"),    QStringLiteral("message"),    QStringLiteral("config get")};
     for (const QString& command : commands) {
         EXPECT_TRUE(top.out.contains(command)) << command.toStdString();
         QStringList args = command.split(' ');
@@ -133,8 +133,8 @@ TEST_F(QuorvelctlTest, HelpForEveryCommand) {
 }
 
 TEST_F(QuorvelctlTest, UsbLinkIsNamedAsMissing) {
-    const Outcome r = run({QStringLiteral("--link"), QStringLiteral("usb"), QStringLiteral("devices")},
-                      false);
+    const Outcome r =
+        run({QStringLiteral("--link"), QStringLiteral("usb"), QStringLiteral("devices")}, false);
     EXPECT_EQ(r.status, 2);
     EXPECT_TRUE(r.err.contains(QStringLiteral("USB"))) << r.err.toStdString();
 }

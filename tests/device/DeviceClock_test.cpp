@@ -17,12 +17,18 @@ TEST(ClockFrameTest, FieldsComeFromThePcAndTheWeekDayFromThePicker) {
     };
     const Case cases[] = {
         // A Sunday in the picker gives 7, a Monday 1.
-        {QDate(2026, 11, 22), QDateTime(QDate(2026, 12, 31), QTime(23, 59, 59)), 0,
+        {QDate(2026, 11, 22),
+         QDateTime(QDate(2026, 12, 31), QTime(23, 59, 59)),
+         0,
          {1, 7, 23, 59, 59, 31, 12, 26, 0}},
-        {QDate(2026, 11, 23), QDateTime(QDate(2026, 12, 31), QTime(23, 59, 59)), 255,
+        {QDate(2026, 11, 23),
+         QDateTime(QDate(2026, 12, 31), QTime(23, 59, 59)),
+         255,
          {1, 1, 23, 59, 59, 31, 12, 26, 255}},
         // The picker need not show today: both sources are kept.
-        {QDate(2026, 11, 21), QDateTime(QDate(2030, 1, 2), QTime(0, 0, 5)), 0,
+        {QDate(2026, 11, 21),
+         QDateTime(QDate(2030, 1, 2), QTime(0, 0, 5)),
+         0,
          {1, 6, 0, 0, 5, 2, 1, 30, 0}},
     };
     for (const auto& c : cases) {

@@ -24,8 +24,9 @@ TEST_F(DeviceFixture, ReadsCombineBytesLittleEndianWithSign) {
         std::array<int, 4> bytes;
         std::int32_t value;
     };
-    for (const LongCase c : {LongCase{{0, 0, 0, 0x80}, INT32_MIN}, LongCase{{255, 255, 255, 255}, -1},
-                             LongCase{{0x78, 0x56, 0x34, 0x12}, 0x12345678}}) {
+    for (const LongCase c :
+         {LongCase{{0, 0, 0, 0x80}, INT32_MIN}, LongCase{{255, 255, 255, 255}, -1},
+          LongCase{{0x78, 0x56, 0x34, 0x12}, 0x12345678}}) {
         bus.modify(id, [&](SimDevice& d) {
             for (int i = 0; i < 4; ++i)
                 d.setEeprom(33 + i, c.bytes[static_cast<size_t>(i)]);

@@ -14,11 +14,20 @@ TEST(IdentityTextTest, HardwareNames) {
         const char* name;
     };
     const Case cases[] = {
-        {1, false, "Ombrel"},   {1, true, "Z905RT"},     {6, false, "Quorvel"},
-        {12, false, "Quorvel"}, {14, false, ""},          {19, true, "Z905FRT"},
-        {20, true, "Z905FRT"},  {20, false, "Ombrel 41"}, {0, false, "Generic Sorvane"},
-        {17, false, "Generic Sorvane"}, {21, false, "Generic Sorvane"}, {23, false, "LTR-LTS"},
-        {24, false, "Generic Sorvane"}, {255, false, "Generic Sorvane"},
+        {1, false, "Ombrel"},
+        {1, true, "Z905RT"},
+        {6, false, "Quorvel"},
+        {12, false, "Quorvel"},
+        {14, false, ""},
+        {19, true, "Z905FRT"},
+        {20, true, "Z905FRT"},
+        {20, false, "Ombrel 41"},
+        {0, false, "Generic Sorvane"},
+        {17, false, "Generic Sorvane"},
+        {21, false, "Generic Sorvane"},
+        {23, false, "LTR-LTS"},
+        {24, false, "Generic Sorvane"},
+        {255, false, "Generic Sorvane"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(NomMateriel(c.code, c.variante), QString::fromUtf8(c.name)) << c.code;
@@ -93,13 +102,15 @@ TEST_F(DeviceFixture, MainWindowIdentity) {
 TEST(BatteryTextTest, OneDecimalInTheSystemLocale) {
     // 1023 steps are 9.67 V, shown with one decimal.
     const QString text = batteryVoltsText(1023);
-    EXPECT_TRUE(text == QStringLiteral("9.7") || text == QStringLiteral("9,7")) << text.toStdString();
+    EXPECT_TRUE(text == QStringLiteral("9.7") || text == QStringLiteral("9,7"))
+        << text.toStdString();
     EXPECT_EQ(batteryVoltsText(0).size(), 3);
 }
 
 struct SelectionFixture : DeviceFixture {
     int waits = 0;
-    DeviceSelection selection{device, [](const QString& key) { return QStringLiteral("<%1>").arg(key); }};
+    DeviceSelection selection{device,
+                              [](const QString& key) { return QStringLiteral("<%1>").arg(key); }};
     void SetUp() override {
         DeviceFixture::SetUp();
         selection.setProbeWait([this](int ms) {
