@@ -1,4 +1,5 @@
 #include "DeviceTestSupport.h"
+#include "ScriptedBus.h"
 #include "device/MemoryMap.h"
 
 namespace qv {
@@ -110,6 +111,34 @@ TEST(LogWordsTest, FromTheCachedBytes) {
     EXPECT_EQ(Device::LitLogsMot(logs, 0), 0x1234);
     EXPECT_EQ(Device::LitLogsMot(logs, 2), -1);
     EXPECT_EQ(Device::LitLogsMot(logs, 3), 0); // past the end
+}
+
+} // namespace
+} // namespace qv
+
+namespace qv {
+namespace {
+
+TEST(LiveWordTest, LowThenHighWithSign) {
+    test::ScriptedBus bus;
+    test::RecordingDialogs dialogs;
+    PublicState state;
+    FrameLink link(bus, dialogs, state);
+    link.setPause([](int) {});
+    Device device(link, [] { return QStringLiteral("absent"); });
+    struct Case {
+        int low, high;
+        std::int32_t value;
+    };
+    for (const Case c : {Case{0x34, 0x82, -32204}, Case{0xFF, 0x7F, 32767}, Case{1, 0, 1}}) {
+        bus.written.clear();
+        bus.replies.push_back(test::ScriptedBus::checked(QByteArray("\xFC", 1) + char(c.low)));
+        bus.replies.push_back(test::ScriptedBus::checked(QByteArray("\xFC", 1) + char(c.high)));
+        EXPECT_EQ(device.LitValeurMot(6), c.value);
+        ASSERT_EQ(bus.written.size(), 2u);
+        EXPECT_EQ(bus.written[0][1], 6); // the low byte's address first
+        EXPECT_EQ(bus.written[1][1], 7);
+    }
 }
 
 } // namespace
