@@ -56,8 +56,20 @@ public:
     virtual void yieldToEvents() = 0;
 
     // Every control name of the window, with its kind, for translation walks.
-    enum class Kind { Button, Label, CheckBox, Frame, MenuEntry, ComboBox, ListBox, TextBox,
-                      OptionButton, DatePicker, ProgressBar, Other };
+    enum class Kind {
+        Button,
+        Label,
+        CheckBox,
+        Frame,
+        MenuEntry,
+        ComboBox,
+        ListBox,
+        TextBox,
+        OptionButton,
+        DatePicker,
+        ProgressBar,
+        Other
+    };
     struct Control {
         QString name; // "Labelctn_2" for a member of a control array
         Kind kind;
