@@ -11,7 +11,9 @@ namespace qv {
 
 namespace {
 constexpr int kErrorIoPending = 997;
-}
+// The platform's code for a handle that failed to open.
+constexpr int kInvalidHandle = 6;
+} // namespace
 
 FrameLink::FrameLink(Bus& bus, Dialogs& dialogs, PublicState& state)
     : bus_(bus), dialogs_(dialogs), state_(state),
@@ -65,28 +67,34 @@ void FrameLink::EcritTrameUsb(const Bytes& donnees, int longueur) {
         transfer[15] = static_cast<char>(crc >> 8);
     }
     pause();
+    writeTransfer(transfer);
+}
+
+void FrameLink::EcritBrutUsb(const Bytes& donnees, int longueur) {
+    writeTransfer(toTransfer(donnees, longueur));
+}
+
+void FrameLink::writeTransfer(const QByteArray& transfer) {
+    // A refused write is tried again at once, three calls in all; what
+    // follows is the read, which finds nothing if all three failed.
     int code = 0;
     for (int call = 0; call < 3; ++call) {
         if (handleEcriture_ && handleEcriture_->write(transfer)) {
             code = 0;
             break;
         }
-        code = handleEcriture_ ? handleEcriture_->lastError() : 6; // 6: invalid handle
+        code = handleEcriture_ ? handleEcriture_->lastError() : kInvalidHandle;
     }
     ControleErreurApi(QStringLiteral("UsbWrite"), code);
 }
 
-void FrameLink::EcritBrutUsb(const Bytes& donnees, int longueur) {
-    const QByteArray transfer = toTransfer(donnees, longueur);
-    int code = 0;
-    for (int call = 0; call < 3; ++call) {
-        if (handleEcriture_ && handleEcriture_->write(transfer)) {
-            code = 0;
-            break;
-        }
-        code = handleEcriture_ ? handleEcriture_->lastError() : 6;
-    }
-    ControleErreurApi(QStringLiteral("UsbWrite"), code);
+QByteArray FrameLink::readTransfer(int length) {
+    QByteArray received;
+    if (handleLecture_)
+        received = handleLecture_->read(length);
+    ControleErreurApi(QStringLiteral("ReadFile"),
+                      handleLecture_ ? handleLecture_->lastError() : kInvalidHandle);
+    return received;
 }
 
 Bytes FrameLink::LitReponseUsb(std::int16_t& longueur, const QString& message, bool afficheErreur,
@@ -97,10 +105,7 @@ Bytes FrameLink::LitReponseUsb(std::int16_t& longueur, const QString& message, b
     if (state_.TimeOut)
         return result;
     pause();
-    QByteArray received;
-    if (handleLecture_)
-        received = handleLecture_->read(longueur);
-    ControleErreurApi(QStringLiteral("ReadFile"), handleLecture_ ? handleLecture_->lastError() : 6);
+    const QByteArray received = readTransfer(longueur);
     if (!received.isEmpty()) {
         Bytes buffer(static_cast<size_t>(longueur), 0);
         for (int i = 0; i < received.size() && i < longueur; ++i)
@@ -127,10 +132,7 @@ Bytes FrameLink::LitReponseUsb(std::int16_t& longueur, const QString& message, b
 Bytes FrameLink::LitBrutUsb(int longueur, const QString& message, bool afficheErreur,
                             int /*reserve*/, const QString& titre) {
     Bytes result(static_cast<size_t>(longueur), 0);
-    QByteArray received;
-    if (handleLecture_)
-        received = handleLecture_->read(longueur);
-    ControleErreurApi(QStringLiteral("ReadFile"), handleLecture_ ? handleLecture_->lastError() : 6);
+    const QByteArray received = readTransfer(longueur);
     if (!received.isEmpty()) {
         for (int i = 0; i < received.size() && i < longueur; ++i)
             result[static_cast<size_t>(i)] = static_cast<unsigned char>(received[i]);

@@ -62,6 +62,8 @@ public:
 
 private:
     QString boxTitle(const QString& titre) const;
+    void writeTransfer(const QByteArray& transfer);
+    QByteArray readTransfer(int length);
 
     Bus& bus_;
     Dialogs& dialogs_;
