@@ -21,6 +21,8 @@ struct CliCommand {
 const std::vector<CliCommand>& deviceCommands();
 const std::vector<CliCommand>& programmeCommands();
 const std::vector<CliCommand>& configCommands();
+const std::vector<CliCommand>& firmwareCommands();
+const std::vector<CliCommand>& reportCommands();
 
 // Exit statuses.
 constexpr int kExitOk = 0;

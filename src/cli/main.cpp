@@ -21,7 +21,8 @@ void printUsage(std::FILE* out) {
                "ID is a device id as `devices --json` prints it; by default the first device.\n\n"
                "commands:\n",
                out);
-    for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands()}) {
+    for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands(),
+                             &firmwareCommands(), &reportCommands()}) {
         for (const CliCommand& c : *list)
             std::fprintf(out, "  %-20s %s\n", qUtf8Printable(c.words.join(QLatin1Char(' '))),
                          qUtf8Printable(c.summary));
@@ -32,12 +33,14 @@ void printUsage(std::FILE* out) {
 bool needsDevice(const CliCommand& command) {
     const QString first = command.words.first();
     return first != QLatin1String("message") && first != QLatin1String("config") &&
+           first != QLatin1String("firmware") &&
            command.words != QStringList{QStringLiteral("programme"), QStringLiteral("show")};
 }
 
 const CliCommand* findCommand(QStringList& words) {
     const CliCommand* best = nullptr;
-    for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands()}) {
+    for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands(),
+                             &firmwareCommands(), &reportCommands()}) {
         for (const CliCommand& c : *list) {
             if (words.size() >= c.words.size() && words.mid(0, c.words.size()) == c.words &&
                 (!best || c.words.size() > best->words.size()))
@@ -84,6 +87,12 @@ int run(QStringList words) {
     session.config = std::make_unique<ConfigDocument>(appDir.configPath());
     session.config->load(); // a missing or malformed file stops here, before any device work
 
+    // The device in use also goes into the firmware loader's line, which is
+    // checked without a device.
+    if (deviceOption)
+        session.state.UsbID = static_cast<std::int32_t>(
+            parseNumber(*deviceOption, QStringLiteral("ID"), INT32_MIN, INT32_MAX));
+
     Arguments commandArgs(rest);
     if (!needsDevice(*command))
         return command->run(session, commandArgs);
@@ -96,10 +105,7 @@ int run(QStringList words) {
     session.link = std::make_unique<FrameLink>(*session.bus, *session.dialogs, session.state);
     session.device = std::make_unique<Device>(
         *session.link, [&session] { return session.message(QStringLiteral("Quorvel Absent")); });
-    if (deviceOption)
-        session.state.UsbID = static_cast<std::int32_t>(
-            parseNumber(*deviceOption, QStringLiteral("ID"), INT32_MIN, INT32_MAX));
-    else if (session.bus->deviceCount() > 0)
+    if (!deviceOption && session.bus->deviceCount() > 0)
         session.state.UsbID = session.bus->uniqueId(0);
 
     return command->run(session, commandArgs);

@@ -1,0 +1,192 @@
+#include "FirmwareTestSupport.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QThread>
+
+namespace qv::test {
+namespace {
+
+const QString kArgs = QStringLiteral(" LANGUE=English ;device=quorvel;try_both;USBID=7;prg=");
+
+void writeFile(const QString& path, const QByteArray& content, bool executable) {
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(content);
+    f.close();
+    QFile::Permissions p = QFile::ReadOwner | QFile::WriteOwner;
+    if (executable)
+        p |= QFile::ExeOwner;
+    ASSERT_TRUE(QFile::setPermissions(path, p));
+}
+
+// A loader standing in for the real one: it writes the arguments it got, one
+// a line, next to itself (written aside and renamed, so that a reader never
+// sees half of it).
+const QByteArray kRecordingLoader =
+    "#!/bin/sh\n"
+    "out=\"$(dirname \"$0\")/argv.txt\"\n"
+    "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$out.part\"\n"
+    "mv \"$out.part\" \"$out\"\n";
+
+QStringList waitForArguments(const QString& path) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!QFileInfo::exists(path) && timer.elapsed() < 10000)
+        QThread::msleep(20);
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly))
+        return {QStringLiteral("<no argv.txt>")};
+    return QString::fromUtf8(f.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+TEST(FirmwareLoader, FirmwareLoaderArgumentsAreTheLineSplitAtBlanks) {
+    struct Case {
+        QString appDir;
+        QString line;
+        QStringList expected;
+    };
+    const Case cases[] = {
+        {QStringLiteral("/opt/q"),
+         QStringLiteral("/opt/q\\LOADSTAGE_K_V318.exe") + kArgs +
+             QStringLiteral("/fw/QUORVEL_V2.70.hex;firmware=270"),
+         {QStringLiteral("LANGUE=English"),
+          QStringLiteral(
+              ";device=quorvel;try_both;USBID=7;prg=/fw/QUORVEL_V2.70.hex;firmware=270")}},
+        // A blank in the path splits the field, as the loader always got it.
+        {QStringLiteral("/opt/q"),
+         QStringLiteral("/opt/q\\LOADSTAGE_K_V318.exe") + kArgs +
+             QStringLiteral("/my  fw/QUORVEL_V2.70.hex;firmware=270"),
+         {QStringLiteral("LANGUE=English"),
+          QStringLiteral(";device=quorvel;try_both;USBID=7;prg=/my"),
+          QStringLiteral("fw/QUORVEL_V2.70.hex;firmware=270")}},
+        // The application folder itself may hold blanks: it is not split.
+        {QStringLiteral("/home/op/My Tools/"),
+         QStringLiteral("/home/op/My Tools\\LOADSTAGE_K_V318.exe LANGUE=English ;x"),
+         {QStringLiteral("LANGUE=English"), QStringLiteral(";x")}},
+        {QStringLiteral("/elsewhere"),
+         QStringLiteral("other.exe a  b"),
+         {QStringLiteral("a"), QStringLiteral("b")}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(loaderArguments(c.appDir, c.line), c.expected) << c.line.toStdString();
+}
+
+TEST(FirmwareLoader, FirmwareLoaderFoundByKind) {
+    struct Case {
+        const char* name;
+        QByteArray native; // empty: no such file
+        bool nativeExecutable;
+        QByteArray exe;
+        bool exeExecutable;
+        QString wine;
+        QString program; // relative to the folder, or absolute; empty: nothing starts
+        bool throughWine;
+    };
+    const QByteArray windows = QByteArray("MZ\x90\x00", 4);
+    const Case cases[] = {
+        {"native loader first", kRecordingLoader, true, windows, false,
+         QStringLiteral("/usr/bin/wine"), QStringLiteral("LOADSTAGE_K_V318"), false},
+        {"windows loader through wine",
+         {},
+         false,
+         windows,
+         false,
+         QStringLiteral("/usr/bin/wine"),
+         QStringLiteral("/usr/bin/wine"),
+         true},
+        {"windows loader without wine", {}, false, windows, true, QString(), QString(), false},
+        {"script named .exe runs itself",
+         {},
+         false,
+         kRecordingLoader,
+         true,
+         QString(),
+         QStringLiteral("LOADSTAGE_K_V318.exe"),
+         false},
+        {"script named .exe, not executable",
+         {},
+         false,
+         kRecordingLoader,
+         false,
+         QString(),
+         QString(),
+         false},
+        {"native file not executable, no exe",
+         kRecordingLoader,
+         false,
+         {},
+         false,
+         QString(),
+         QString(),
+         false},
+        {"no loader at all",
+         {},
+         false,
+         {},
+         false,
+         QStringLiteral("/usr/bin/wine"),
+         QString(),
+         false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        QTemporaryDir dir;
+        ASSERT_TRUE(dir.isValid());
+        if (!c.native.isEmpty())
+            writeFile(dir.filePath(QStringLiteral("LOADSTAGE_K_V318")), c.native,
+                      c.nativeExecutable);
+        if (!c.exe.isEmpty())
+            writeFile(dir.filePath(QStringLiteral("LOADSTAGE_K_V318.exe")), c.exe, c.exeExecutable);
+        const QString line =
+            dir.path() + QStringLiteral("\\LOADSTAGE_K_V318.exe LANGUE=English ;prg=x");
+        const LoaderPlan plan = planLoaderStart(dir.path(), line, [&](const QString& name) {
+            return name == QLatin1String("wine") ? c.wine : QString();
+        });
+        if (c.program.isEmpty()) {
+            EXPECT_FALSE(plan.invocation);
+            EXPECT_FALSE(plan.problem.isEmpty());
+            continue;
+        }
+        ASSERT_TRUE(plan.invocation) << plan.problem.toStdString();
+        const QString program =
+            c.program.startsWith(QLatin1Char('/')) ? c.program : dir.filePath(c.program);
+        EXPECT_EQ(plan.invocation->program, program);
+        QStringList arguments{QStringLiteral("LANGUE=English"), QStringLiteral(";prg=x")};
+        if (c.throughWine)
+            arguments.prepend(dir.filePath(QStringLiteral("LOADSTAGE_K_V318.exe")));
+        EXPECT_EQ(plan.invocation->arguments, arguments);
+    }
+}
+
+TEST(FirmwareLoader, FirmwareStandInLoaderReceivesTheLine) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    writeFile(dir.filePath(QStringLiteral("LOADSTAGE_K_V318")), kRecordingLoader, true);
+    QStringList diagnostics;
+    NativeLoaderStarter starter(dir.path(), [&](const QString& l) { diagnostics << l; });
+
+    const QString line =
+        loaderCommandLine(dir.path(), QStringLiteral("English"), 1509949441,
+                          QStringLiteral("/srv/fw/QUORVEL_V2.70.hex"), QStringLiteral("270"));
+    starter.start(line);
+    EXPECT_EQ(waitForArguments(dir.filePath(QStringLiteral("argv.txt"))),
+              (QStringList{QStringLiteral("LANGUE=English"),
+                           QStringLiteral(";device=quorvel;try_both;USBID=1509949441;prg=/srv/fw/"
+                                          "QUORVEL_V2.70.hex;firmware=270")}));
+    EXPECT_TRUE(diagnostics.isEmpty());
+}
+
+TEST(FirmwareLoader, FirmwareMissingLoaderOnlyLeavesADiagnostic) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QStringList diagnostics;
+    NativeLoaderStarter starter(dir.path(), [&](const QString& l) { diagnostics << l; });
+    starter.start(dir.path() + QStringLiteral("\\LOADSTAGE_K_V318.exe LANGUE=English"));
+    ASSERT_EQ(diagnostics.size(), 1);
+    EXPECT_TRUE(diagnostics[0].contains(QStringLiteral("LOADSTAGE_K_V318.exe")));
+}
+
+} // namespace
+} // namespace qv::test
