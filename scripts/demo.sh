@@ -1,11 +1,18 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs the tool against two simulated
-# controllers in a scratch application folder (nothing is written into the
-# source tree).
+# Installs what is missing, builds, and starts the window against two
+# simulated controllers in a scratch application folder (nothing is written
+# into the source tree). Without a display it runs a quorvelctl session
+# against the same kind of controllers instead.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup-debian.sh"
 "$root/scripts/build.sh" "$root/build"
+
+if [[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]]; then
+    exec "$root/build/bin/quorvel" --demo "$@"
+fi
+echo "No display: running a command-line session instead (quorvel --demo needs a desktop)."
+echo
 
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/quorvel-demo.XXXXXX")
 ctl() {

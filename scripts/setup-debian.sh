@@ -7,6 +7,7 @@ packages=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-base-dev-tools libgl-dev libvulkan-dev libxkbcommon-dev
     libusb-1.0-0-dev libgtest-dev googletest
+    umockdev libumockdev-dev
     libxml2-utils xvfb xauth poppler-utils
 )
 

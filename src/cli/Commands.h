@@ -23,6 +23,11 @@ const std::vector<CliCommand>& programmeCommands();
 const std::vector<CliCommand>& configCommands();
 const std::vector<CliCommand>& firmwareCommands();
 const std::vector<CliCommand>& reportCommands();
+const std::vector<CliCommand>& printCommands();
+
+// Commands that draw (the printed programme) need a QGuiApplication; the
+// others run on a QCoreApplication, without a display.
+bool needsGuiApplication(const CliCommand& command);
 
 // Exit statuses.
 constexpr int kExitOk = 0;

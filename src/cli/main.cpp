@@ -7,7 +7,9 @@
 #include "link/backends/BusFactory.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <cstdio>
+#include <memory>
 
 using namespace qv;
 
@@ -16,13 +18,14 @@ namespace {
 void printUsage(std::FILE* out) {
     std::fputs("usage: quorvelctl [--app-dir DIR] [--link LINK] [--device ID] [--json] [--yes]\n"
                "                  COMMAND [ARGS] [--help]\n\n"
-               "LINK is usb (the default), or sim[:key=value,...] for simulated controllers,\n"
-               "for example sim:devices=2,state=/tmp/sim.json (see README).\n"
+               "LINK is usb (the default), tty:PATTERN for controllers seen as serial ports\n"
+               "(tty:/dev/ttyACM*), or sim[:key=value,...] for simulated controllers, for\n"
+               "example sim:devices=2,state=/tmp/sim.json (see README).\n"
                "ID is a device id as `devices --json` prints it; by default the first device.\n\n"
                "commands:\n",
                out);
-    for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands(),
-                             &firmwareCommands(), &reportCommands()}) {
+    for (const auto* list : {&deviceCommands(), &programmeCommands(), &printCommands(),
+                             &configCommands(), &firmwareCommands(), &reportCommands()}) {
         for (const CliCommand& c : *list)
             std::fprintf(out, "  %-20s %s\n", qUtf8Printable(c.words.join(QLatin1Char(' '))),
                          qUtf8Printable(c.summary));
@@ -34,13 +37,14 @@ bool needsDevice(const CliCommand& command) {
     const QString first = command.words.first();
     return first != QLatin1String("message") && first != QLatin1String("config") &&
            first != QLatin1String("firmware") &&
-           command.words != QStringList{QStringLiteral("programme"), QStringLiteral("show")};
+           command.words != QStringList{QStringLiteral("programme"), QStringLiteral("show")} &&
+           !needsGuiApplication(command);
 }
 
 const CliCommand* findCommand(QStringList& words) {
     const CliCommand* best = nullptr;
-    for (const auto* list : {&deviceCommands(), &programmeCommands(), &configCommands(),
-                             &firmwareCommands(), &reportCommands()}) {
+    for (const auto* list : {&deviceCommands(), &programmeCommands(), &printCommands(),
+                             &configCommands(), &firmwareCommands(), &reportCommands()}) {
         for (const CliCommand& c : *list) {
             if (words.size() >= c.words.size() && words.mid(0, c.words.size()) == c.words &&
                 (!best || c.words.size() > best->words.size()))
@@ -52,18 +56,51 @@ const CliCommand* findCommand(QStringList& words) {
     return best;
 }
 
-int run(QStringList words) {
-    Arguments globals(words);
-    const auto appDirOption = globals.takeOption(QStringLiteral("app-dir"));
-    const QString linkSpec =
-        globals.takeOption(QStringLiteral("link")).value_or(QStringLiteral("usb"));
-    const auto deviceOption = globals.takeOption(QStringLiteral("device"));
-    const bool json = globals.takeFlag(QStringLiteral("json"));
-    const bool yes = globals.takeFlag(QStringLiteral("yes"));
-    const bool help =
-        globals.takeFlag(QStringLiteral("help")) || globals.takeFlag(QStringLiteral("h"));
+struct GlobalOptions {
+    std::optional<QString> appDir;
+    QString link;
+    std::optional<QString> device;
+    bool json = false;
+    bool yes = false;
+    bool help = false;
+    QStringList rest; // the command and its arguments
+};
 
-    QStringList rest = globals.remaining();
+GlobalOptions takeGlobalOptions(const QStringList& words) {
+    Arguments globals(words);
+    GlobalOptions o;
+    o.appDir = globals.takeOption(QStringLiteral("app-dir"));
+    o.link = globals.takeOption(QStringLiteral("link")).value_or(QStringLiteral("usb"));
+    o.device = globals.takeOption(QStringLiteral("device"));
+    o.json = globals.takeFlag(QStringLiteral("json"));
+    o.yes = globals.takeFlag(QStringLiteral("yes"));
+    o.help = globals.takeFlag(QStringLiteral("help")) || globals.takeFlag(QStringLiteral("h"));
+    o.rest = globals.remaining();
+    return o;
+}
+
+// Decided before any application object exists, from the raw words; a
+// command line that does not parse gets the plain one and fails there.
+bool wantsGuiApplication(const QStringList& words) {
+    try {
+        QStringList rest = takeGlobalOptions(words).rest;
+        const CliCommand* command = findCommand(rest);
+        return command && needsGuiApplication(*command);
+    } catch (const UsageError&) {
+        return false;
+    }
+}
+
+int run(QStringList words) {
+    const GlobalOptions globals = takeGlobalOptions(words);
+    const auto& appDirOption = globals.appDir;
+    const QString& linkSpec = globals.link;
+    const auto& deviceOption = globals.device;
+    const bool json = globals.json;
+    const bool yes = globals.yes;
+    const bool help = globals.help;
+
+    QStringList rest = globals.rest;
     if (rest.isEmpty()) {
         printUsage(help ? stdout : stderr);
         return help ? kExitOk : kExitUsage;
@@ -114,7 +151,21 @@ int run(QStringList words) {
 } // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
+    QStringList raw;
+    for (int i = 1; i < argc; ++i)
+        raw << QString::fromLocal8Bit(argv[i]);
+    std::unique_ptr<QCoreApplication> app;
+    if (wantsGuiApplication(raw)) {
+        // A PDF needs fonts, not a screen: with no display to talk to, the
+        // offscreen platform does, unless the caller chose one.
+        if (qEnvironmentVariableIsEmpty("DISPLAY") &&
+            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+            qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        app = std::make_unique<QGuiApplication>(argc, argv);
+    } else {
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    }
     QCoreApplication::setApplicationName(QStringLiteral("quorvel"));
     QStringList words = QCoreApplication::arguments();
     words.removeFirst();

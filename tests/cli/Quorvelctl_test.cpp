@@ -132,11 +132,4 @@ TEST_F(QuorvelctlTest, HelpForEveryCommand) {
     }
 }
 
-TEST_F(QuorvelctlTest, UsbLinkIsNamedAsMissing) {
-    const Outcome r =
-        run({QStringLiteral("--link"), QStringLiteral("usb"), QStringLiteral("devices")}, false);
-    EXPECT_EQ(r.status, 2);
-    EXPECT_TRUE(r.err.contains(QStringLiteral("USB"))) << r.err.toStdString();
-}
-
 } // namespace

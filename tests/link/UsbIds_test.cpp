@@ -1,0 +1,123 @@
+#include "link/backends/DeviceIds.h"
+#include "link/backends/UsbIds.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <set>
+
+using namespace qv;
+
+namespace {
+
+UsbIdEntry entry(std::uint16_t vendor, std::uint16_t product, int interfaceNumber = 0,
+                 std::uint8_t out = 0x02, std::uint8_t in = 0x81) {
+    return UsbIdEntry{vendor, product, interfaceNumber, out, in};
+}
+
+QString readSource(const char* relative) {
+    QFile file(QStringLiteral(QUORVEL_SOURCE_DIR "/") + QString::fromLatin1(relative));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << relative;
+    return QString::fromUtf8(file.readAll());
+}
+
+TEST(UsbIds, TablesThatParseAndThoseThatSayWhereTheyDoNot) {
+    const std::pair<const char*, std::vector<UsbIdEntry>> good[] = {
+        {"  0x1209:0xABCD   # trailing note\n", {entry(0x1209, 0xABCD)}},
+        {"# only a comment\n\nfeed:beef interface=2 out=0x05 in=0x86",
+         {entry(0xFEED, 0xBEEF, 2, 0x05, 0x86)}},
+        {"1209:0001 in=0x83\n1209:0002 out=0x01",
+         {entry(0x1209, 1, 0, 0x02, 0x83), entry(0x1209, 2, 0, 0x01, 0x81)}},
+    };
+    for (const auto& [text, expected] : good) {
+        QString error;
+        const auto table = parseUsbIds(QString::fromLatin1(text), &error);
+        ASSERT_TRUE(table) << text << ": " << error.toStdString();
+        EXPECT_EQ(*table, expected) << text;
+    }
+    const std::pair<const char*, const char*> bad[] = {
+        {"# nothing\n", "no controller"},
+        {"1209", "line 1"},
+        {"1209:00001", "line 1"},
+        {"\n12g9:0001", "line 2"},
+        {"1209:0001 interface=256", "interface"},
+        {"1209:0001 out=0x81", "bulk OUT"},
+        {"1209:0001 out=0x00", "bulk OUT"},
+        {"1209:0001 in=0x02", "bulk IN"},
+        {"1209:0001 in=0x91", "bulk IN"},
+        {"1209:0001 speed=12", "unknown setting"},
+        {"1209:0001\n1209:0001 interface=1", "listed twice"},
+    };
+    for (const auto& [text, errorContains] : bad) {
+        QString error;
+        EXPECT_FALSE(parseUsbIds(QString::fromLatin1(text), &error)) << text;
+        EXPECT_TRUE(error.contains(QLatin1String(errorContains))) << error.toStdString();
+    }
+}
+
+TEST(UsbIds, TheShippedTableIsTheBuiltInOneAndTheUdevRuleGrantsTheSameIds) {
+    QString error;
+    const auto shipped = parseUsbIds(readSource("data/usb-ids.conf"), &error);
+    ASSERT_TRUE(shipped) << error.toStdString();
+    EXPECT_EQ(*shipped, defaultUsbIds());
+
+    std::set<std::pair<int, int>> inTable;
+    for (const UsbIdEntry& e : *shipped)
+        inTable.insert({e.vendor, e.product});
+    std::set<std::pair<int, int>> inRule;
+    const QRegularExpression grant(QStringLiteral(
+        "ATTR\\{idVendor\\}==\"([0-9a-f]{4})\".*ATTR\\{idProduct\\}==\"([0-9a-f]{4})\""
+        ".*TAG\\+=\"uaccess\""));
+    for (const QString& line : readSource("data/60-quorvel.rules").split(QLatin1Char('\n'))) {
+        if (line.trimmed().startsWith(QLatin1Char('#')))
+            continue;
+        const auto m = grant.match(line);
+        if (m.hasMatch())
+            inRule.insert({m.captured(1).toInt(nullptr, 16), m.captured(2).toInt(nullptr, 16)});
+    }
+    EXPECT_EQ(inRule, inTable);
+}
+
+TEST(UsbIds, TheOptionWinsOverTheEnvironmentAndABadFileIsAnError) {
+    QTemporaryDir dir;
+    const auto write = [&](const char* name, const char* text) {
+        QFile file(dir.filePath(QString::fromLatin1(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        return file.fileName();
+    };
+    const QString option = write("option.conf", "aaaa:0001\n");
+    const QString environment = write("environment.conf", "bbbb:0002\n");
+    const QString broken = write("broken.conf", "1209:0001 in=0x02\n");
+
+    qputenv("QUORVEL_USB_IDS", environment.toUtf8());
+    QString source;
+    QString error;
+    auto table = loadUsbIds(option, &source, &error);
+    ASSERT_TRUE(table) << error.toStdString();
+    EXPECT_EQ(table->front().vendor, 0xAAAA);
+    EXPECT_EQ(source, option);
+    table = loadUsbIds(QString(), &source, &error);
+    ASSERT_TRUE(table) << error.toStdString();
+    EXPECT_EQ(table->front().vendor, 0xBBBB);
+
+    qputenv("QUORVEL_USB_IDS", broken.toUtf8());
+    EXPECT_FALSE(loadUsbIds(QString(), &source, &error));
+    EXPECT_TRUE(error.contains(broken) && error.contains(QStringLiteral("line 1")))
+        << error.toStdString();
+    qunsetenv("QUORVEL_USB_IDS");
+    EXPECT_FALSE(loadUsbIds(dir.filePath(QStringLiteral("missing.conf")), &source, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("missing.conf"))) << error.toStdString();
+}
+
+TEST(DeviceIds, AreFnv1aOfTheKeyKeptPositive) {
+    // Ids reach scripts (quorvelctl --device ID); a change of the hash would
+    // silently point every stored id at nothing.
+    EXPECT_EQ(stableDeviceId(""), 0x011C9DC5);
+    EXPECT_EQ(stableDeviceId("a"), 0x640C292C);
+    EXPECT_EQ(stableDeviceId("foobar"), 0x3F9CF968);
+    EXPECT_NE(stableDeviceId("usb:1209:0001:A1"), stableDeviceId("usb:1209:0001:A2"));
+}
+
+} // namespace

@@ -1,0 +1,271 @@
+#include "EditorTestSupport.h"
+#include "programme/widgets/ProgrammationWindow.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDateTimeEdit>
+#include <QDir>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+namespace qv::test {
+namespace {
+
+// The window over a scratch config.xml and a main form that answers.
+class EditorWindowTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QString configPath;
+    std::unique_ptr<ConfigDocument> config;
+    Conditions conditions;
+    FakeMainScreen main;
+    RecordingDialogs dialogs;
+    std::unique_ptr<ProgrammationWindow> window;
+
+    void SetUp() override {
+        ASSERT_TRUE(dir.isValid());
+        configPath = dir.filePath(QStringLiteral("config.xml"));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath));
+        QFile::setPermissions(configPath, QFile::ReadOwner | QFile::WriteOwner);
+        config = std::make_unique<ConfigDocument>(configPath);
+    }
+
+    void open(const QLocale& locale = QLocale(QLocale::English, QLocale::UnitedKingdom)) {
+        window.reset();
+        window = std::make_unique<ProgrammationWindow>(main, *config, conditions, dialogs);
+        window->editor().setLocale(locale);
+        window->load();
+        window->show();
+        QApplication::processEvents();
+    }
+
+    template <typename T> T* child(const char* name) {
+        T* w = window->findChild<T*>(QString::fromLatin1(name));
+        EXPECT_NE(w, nullptr) << name;
+        return w;
+    }
+
+    void choose(const char* combo, int row) {
+        auto* c = child<QComboBox>(combo);
+        c->setCurrentIndex(row);
+        Q_EMIT c->activated(row);
+    }
+
+    void type(const char* edit, const QString& text) {
+        auto* e = child<QLineEdit>(edit);
+        e->selectAll();
+        QTest::keyClick(e, Qt::Key_Backspace);
+        QTest::keyClicks(e, text);
+    }
+
+    // Three lines of a session before, the last one periodic.
+    void storeProgramme() {
+        Conditions c;
+        const auto add = [&](int jour, int h, int m, int s, int finH, int finM, int duree,
+                             double valeur) {
+            Condition line;
+            line.Nom = QStringLiteral("Bistable valve-%1").arg(c.Count() + 1);
+            line.sortie = 3;
+            line.rang = static_cast<std::int16_t>(c.Count());
+            line.Jour = static_cast<std::int16_t>(jour);
+            line.Heure = static_cast<std::int16_t>(h);
+            line.Minute = static_cast<std::int16_t>(m);
+            line.Seconde = static_cast<std::int16_t>(s);
+            line.PlageFinHeure = static_cast<std::int16_t>(finH);
+            line.PlageFinMinute = static_cast<std::int16_t>(finM);
+            line.Temporisation = static_cast<std::int16_t>(duree);
+            line.Valeur = valeur;
+            c.Add(line);
+        };
+        add(9, 7, 30, 0, 0, 0, 900, 1);
+        add(1, 19, 0, 0, 0, 0, 600, 0);
+        add(JourPeriode, 5, 45, 3, 4, 20, 1800, 1);
+        SauveConditions(*config, c);
+        config->EcritValeurXML(QStringLiteral("NomProgramme"), QStringLiteral("garden.prg"));
+    }
+};
+
+TEST_F(EditorWindowTest, EditorWindowControlsCarryTheirNames) {
+    open();
+    using K = ConsoleView::Kind;
+    const std::vector<std::pair<const char*, K>> expected = {
+        {"LireProg", K::Button},
+        {"FrameMessage", K::Frame},
+        {"Message", K::Label},
+        {"ImprimerProg", K::Button},
+        {"DetruireProg", K::Button},
+        {"EnregistrerProg", K::Button},
+        {"NomFichier", K::TextBox},
+        {"ListeConditions", K::ListBox},
+        {"SortirProgrammation", K::Button},
+        {"ListeSorties", K::ComboBox},
+        {"FrameCondition", K::Frame},
+        {"Ajouter", K::Button},
+        {"DetruireCondition", K::Button},
+        {"ModifierCondition", K::Button},
+        {"FrameSortie", K::Frame},
+        {"ValeurPeriode", K::TextBox},
+        {"ValeurTemporisation", K::TextBox},
+        {"HeureDebut", K::DatePicker},
+        {"HeureFin", K::DatePicker},
+        {"ListeJours", K::ComboBox},
+        {"ListeValeurLogique", K::ComboBox},
+        {"LabelHHMMSS_0", K::Label},
+        {"LabelHHMMSS_1", K::Label},
+        {"LabelPeriode", K::Label},
+        {"UniteSeconde", K::Label},
+        {"LabelTemporisarion", K::Label},
+        {"Label3", K::Label},
+        {"LabelConditions", K::Label},
+        {"FramevaleursDefaut", K::Frame},
+        {"ValeurLogiqueDefaut_0", K::ComboBox},
+        {"Sorties_0", K::OptionButton},
+        {"Image1", K::Other},
+    };
+    QMap<QString, K> kinds;
+    for (const auto& c : window->view().controls())
+        kinds.insert(c.name, c.kind);
+    for (const auto& [name, kind] : expected) {
+        ASSERT_TRUE(kinds.contains(QString::fromLatin1(name))) << name;
+        EXPECT_EQ(kinds.value(QString::fromLatin1(name)), kind) << name;
+    }
+    EXPECT_EQ(window->objectName(), QStringLiteral("Programmation"));
+    EXPECT_TRUE(window->isModal());
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Output programming"));
+    // Enter in an entry box presses no button.
+    for (const QPushButton* b : window->findChildren<QPushButton*>())
+        EXPECT_FALSE(b->autoDefault() || b->isDefault()) << b->objectName().toStdString();
+}
+
+TEST_F(EditorWindowTest, EditorWindowEditsSavesAndPrintsThroughItsControls) {
+    main.eeprom[24] = 1;
+    open();
+    EXPECT_EQ(child<QComboBox>("ValeurLogiqueDefaut_0")->currentText(), QStringLiteral("Open"));
+
+    child<QPushButton>("Ajouter")->click();
+    EXPECT_EQ(child<QListWidget>("ListeConditions")->count(), 1);
+    choose("ListeJours", 10);
+    EXPECT_FALSE(child<QDateTimeEdit>("HeureFin")->isHidden());
+    EXPECT_FALSE(child<QLineEdit>("ValeurPeriode")->isHidden());
+    EXPECT_EQ(child<QDateTimeEdit>("HeureDebut")->displayFormat(), QStringLiteral("dd/MM/yyyy"));
+    EXPECT_TRUE(child<QDateTimeEdit>("HeureDebut")->calendarPopup());
+
+    type("ValeurPeriode", QStringLiteral("300"));
+    auto* period = child<QLineEdit>("ValeurPeriode");
+    EXPECT_EQ(period->palette().color(QPalette::Base), QColor(250, 100, 100));
+    EXPECT_EQ(child<QLabel>("Message")->text(),
+              QStringLiteral("The value must be between 0 and 255"));
+    EXPECT_EQ(period->toolTip(), QStringLiteral("The value must be between 0 and 255"));
+    type("ValeurPeriode", QStringLiteral("7"));
+    EXPECT_EQ(period->palette().color(QPalette::Base), QColor(Qt::white));
+    EXPECT_EQ(child<QLabel>("Message")->text(), QString());
+
+    child<QDateTimeEdit>("HeureDebut")->setDate(QDate(2026, 4, 20));
+    child<QDateTimeEdit>("HeureFin")->setTime(QTime(5, 45));
+    choose("ListeValeurLogique", 1);
+    type("ValeurTemporisation", QStringLiteral("1800"));
+    child<QPushButton>("ModifierCondition")->click();
+    ASSERT_EQ(conditions.Count(), 1);
+    const Condition& line = *conditions.Item(1);
+    EXPECT_EQ(line.Jour, JourPeriode);
+    EXPECT_EQ(line.Seconde, 7);
+    EXPECT_EQ(line.Heure, 5);
+    EXPECT_EQ(line.Minute, 45);
+    EXPECT_EQ(line.PlageFinHeure, 4);
+    EXPECT_EQ(line.PlageFinMinute, 20);
+    EXPECT_EQ(line.Temporisation, 1800);
+    EXPECT_EQ(line.Valeur, 1);
+
+    const QString prg = dir.filePath(QStringLiteral("window.prg"));
+    std::vector<bool> asked;
+    window->setFileChooser([&](const FileDialogRequest&, bool save) {
+        asked.push_back(save);
+        return prg;
+    });
+    child<QPushButton>("EnregistrerProg")->click();
+    EXPECT_TRUE(QFile::exists(prg));
+    EXPECT_EQ(child<QLineEdit>("NomFichier")->text(), QStringLiteral("window.prg"));
+    EXPECT_EQ(asked, std::vector<bool>{true});
+
+    const QString pdf = dir.filePath(QStringLiteral("window.pdf"));
+    window->setPdfChooser([&] { return pdf; });
+    child<QPushButton>("ImprimerPdf")->click();
+    EXPECT_GT(QFileInfo(pdf).size(), 0);
+    EXPECT_TRUE(dialogs.boxes().empty());
+
+    child<QPushButton>("SortirProgrammation")->click();
+    EXPECT_EQ(window->result(), QDialog::Accepted);
+}
+
+// Pictures of the editor on a periodic line, for the documentation when
+// QUORVEL_SCREENSHOTS names a folder, and checked for cut texts in any case.
+TEST_F(EditorWindowTest, EditorWindowScreenshotsInEnglishAndFrench) {
+    const QString target = qEnvironmentVariable("QUORVEL_SCREENSHOTS", dir.path());
+    struct Case {
+        QString langue;
+        QLocale locale;
+        QString file;
+        QString addCondition;
+    };
+    const std::vector<Case> cases = {
+        {QStringLiteral("English"), QLocale(QLocale::English, QLocale::UnitedKingdom),
+         QStringLiteral("editor-en.png"), QStringLiteral("Add a condition")},
+        {QStringLiteral("Français"), QLocale(QLocale::French, QLocale::France),
+         QStringLiteral("editor-fr.png"), QStringLiteral("Ajouter une condition")},
+    };
+    // The two buttons of the preview and the PDF, as the shipped file names them.
+    config->LitMessage(QStringLiteral("English"), QStringLiteral("ApercuProg"),
+                       QStringLiteral("Print preview"));
+    config->LitMessage(QStringLiteral("English"), QStringLiteral("ImprimerPdf"),
+                       QStringLiteral("Print to PDF"));
+    config->LitMessage(QStringLiteral("Français"), QStringLiteral("ApercuProg"),
+                       QStringLiteral("Aperçu avant impression"));
+    config->LitMessage(QStringLiteral("Français"), QStringLiteral("ImprimerPdf"),
+                       QStringLiteral("Imprimer en PDF"));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.langue.toStdString());
+        storeProgramme();
+        main.language = c.langue;
+        main.eeprom[24] = 1;
+        open(c.locale);
+        EXPECT_EQ(child<QPushButton>("Ajouter")->text(), c.addCondition);
+        ASSERT_EQ(child<QListWidget>("ListeConditions")->currentRow(), 2);
+        EXPECT_EQ(child<QComboBox>("ListeJours")->currentIndex(), 10);
+        EXPECT_EQ(child<QLineEdit>("ValeurPeriode")->text(), QStringLiteral("3"));
+
+        window->resize(window->minimumSizeHint());
+        QApplication::processEvents();
+        for (QWidget* w : window->findChildren<QWidget*>()) {
+            if (!w->isVisible())
+                continue;
+            const std::string name = w->objectName().toStdString();
+            if (auto* l = qobject_cast<QLabel*>(w); l && !l->wordWrap() && l->pixmap().isNull()) {
+                EXPECT_GE(l->width(), l->fontMetrics().horizontalAdvance(l->text())) << name;
+            }
+            if (auto* b = qobject_cast<QAbstractButton*>(w)) {
+                EXPECT_GE(b->width(), b->minimumSizeHint().width()) << name;
+            }
+            if (auto* g = qobject_cast<QGroupBox*>(w)) {
+                EXPECT_GE(g->width(), g->fontMetrics().horizontalAdvance(g->title())) << name;
+            }
+            if (auto* e = qobject_cast<QDateTimeEdit*>(w)) {
+                EXPECT_GE(e->width(), e->minimumSizeHint().width()) << name;
+            }
+        }
+
+        window->resize(window->sizeHint().expandedTo(QSize(900, 0)));
+        QApplication::processEvents();
+        const QPixmap picture = window->grab();
+        EXPECT_FALSE(picture.isNull());
+        QDir().mkpath(target);
+        EXPECT_TRUE(picture.save(QDir(target).filePath(c.file)));
+    }
+}
+
+} // namespace
+} // namespace qv::test
