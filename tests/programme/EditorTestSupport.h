@@ -153,10 +153,6 @@ protected:
         view.setText(QStringLiteral("ValeurPeriode"), text);
         editor->ValeurPeriode_Change();
     }
-    void setStart(const QDateTime& moment) {
-        view.setDateTime(QStringLiteral("HeureDebut"), moment);
-    }
-    void setEnd(const QDateTime& moment) { view.setDateTime(QStringLiteral("HeureFin"), moment); }
     void selectLine(int line) {
         view.setCurrentRow(QStringLiteral("ListeConditions"), line);
         editor->ListeConditions_Click();
@@ -184,47 +180,36 @@ protected:
     }
 
 private:
+    // The designer's controls, each "Name" or "Name=Caption".
+    void declare(ConsoleView::Kind kind, std::initializer_list<const char*> controls) {
+        for (const char* control : controls) {
+            const QStringList parts = QString::fromUtf8(control).split(QLatin1Char('='));
+            view.add(parts[0], kind);
+            view[parts[0]].text = parts.value(1);
+        }
+    }
     void declareControls() {
         using K = ConsoleView::Kind;
-        const auto add = [&](const char* name, K kind, const QString& caption = QString()) {
-            view.add(QString::fromLatin1(name), kind);
-            view[QString::fromLatin1(name)].text = caption;
-        };
-        add("Programmation", K::Other, QStringLiteral("Programmation"));
-        add("LireProg", K::Button, QStringLiteral("Lire Programmation"));
-        add("FrameMessage", K::Frame, QStringLiteral("Message"));
-        add("Message", K::Label, QStringLiteral("Message"));
-        add("ImprimerProg", K::Button, QStringLiteral("Imprimer Programmation"));
-        add("DetruireProg", K::Button, QStringLiteral("Détruire Programmation"));
-        add("EnregistrerProg", K::Button, QStringLiteral("Enregistrer Programmation"));
-        add("NomFichier", K::TextBox);
-        add("ListeConditions", K::ListBox);
-        add("SortirProgrammation", K::Button, QStringLiteral("Quitter"));
-        add("ListeSorties", K::ComboBox, QStringLiteral("ListesSorties"));
-        add("FrameCondition", K::Frame, QStringLiteral("Condition"));
-        add("Ajouter", K::Button, QStringLiteral("Ajouter une condition"));
-        add("DetruireCondition", K::Button, QStringLiteral("Détruire la condition"));
-        add("ModifierCondition", K::Button, QStringLiteral("Enregistrer la condition"));
-        add("FrameSortie", K::Frame, QStringLiteral("Nom de la Sortie"));
-        add("ValeurPeriode", K::TextBox, QStringLiteral("0"));
-        add("ValeurTemporisation", K::TextBox, QStringLiteral("3600"));
-        add("HeureDebut", K::DatePicker);
-        add("HeureFin", K::DatePicker);
-        add("ListeJours", K::ComboBox);
-        add("ListeValeurLogique", K::ComboBox);
-        add("LabelHHMMSS_0", K::Label, QStringLiteral("hh:mm:ss"));
-        add("LabelHHMMSS_1", K::Label, QStringLiteral("hh:mm:ss"));
-        add("LabelPeriode", K::Label, QStringLiteral("Période (Jours)"));
-        add("UniteSeconde", K::Label, QStringLiteral("Sec."));
-        add("LabelTemporisarion", K::Label, QStringLiteral("Temporisation"));
-        add("Label3", K::Label, QStringLiteral("Programmation Journalière"));
-        add("LabelConditions", K::Label, QStringLiteral("Conditions"));
-        add("FramevaleursDefaut", K::Frame, QStringLiteral("Valeurs par défaut"));
-        add("ValeurLogiqueDefaut_0", K::ComboBox);
-        view.setRows(QStringLiteral("ValeurLogiqueDefaut_0"),
-                     {{QStringLiteral("0"), 0}, {QStringLiteral("1"), 1}});
-        add("Sorties_0", K::OptionButton, QStringLiteral("Sortie 1"));
-        add("Image1", K::Other);
+        declare(K::Other, {"Programmation=Programmation", "Image1"});
+        declare(K::Button,
+                {"LireProg=Lire Programmation", "ImprimerProg=Imprimer Programmation",
+                 "DetruireProg=Détruire Programmation", "EnregistrerProg=Enregistrer Programmation",
+                 "SortirProgrammation=Quitter", "Ajouter=Ajouter une condition",
+                 "DetruireCondition=Détruire la condition",
+                 "ModifierCondition=Enregistrer la condition"});
+        declare(K::Frame,
+                {"FrameMessage=Message", "FrameCondition=Condition", "FrameSortie=Nom de la Sortie",
+                 "FramevaleursDefaut=Valeurs par défaut"});
+        declare(K::Label, {"Message=Message", "LabelHHMMSS_0=hh:mm:ss", "LabelHHMMSS_1=hh:mm:ss",
+                           "LabelPeriode=Période (Jours)", "UniteSeconde=Sec.",
+                           "LabelTemporisarion=Temporisation", "Label3=Programmation Journalière",
+                           "LabelConditions=Conditions"});
+        declare(K::TextBox, {"NomFichier", "ValeurPeriode=0", "ValeurTemporisation=3600"});
+        declare(K::ListBox, {"ListeConditions"});
+        declare(K::ComboBox, {"ListeSorties=ListesSorties", "ListeJours", "ListeValeurLogique",
+                              "ValeurLogiqueDefaut_0"});
+        declare(K::DatePicker, {"HeureDebut", "HeureFin"});
+        declare(K::OptionButton, {"Sorties_0=Sortie 1"});
     }
 };
 

@@ -24,46 +24,40 @@ QStringList pageLines(const ProgrammePrintout& page) {
 PrintoutTexts englishTexts() {
     PrintoutTexts t;
     t.date = QDate(2026, 3, 10);
-    t.nomFichier = QStringLiteral("six.prg");
-    t.page = QStringLiteral("Page");
-    t.valeursDefaut = QStringLiteral("Default values");
-    t.condition = QStringLiteral("Condition");
-    t.programmationJournaliere = QStringLiteral("Daily schedule");
-    t.sorties = {QStringLiteral("Bistable valve")};
+    t.nomFichier = "six.prg";
+    t.page = "Page";
+    t.valeursDefaut = "Default values";
+    t.condition = "Condition";
+    t.programmationJournaliere = "Daily schedule";
+    t.sorties = {"Bistable valve"};
     t.etatsDefaut = {1};
-    t.valeursLogiques = {QStringLiteral("Closed"), QStringLiteral("Open")};
-    const std::vector<std::pair<const char*, double>> jours = {
-        {"No time condition", 0}, {"Every day", 8}, {"Monday to Friday", 9}, {"Monday", 1},
-        {"Tuesday", 2},           {"Wednesday", 3}, {"Thursday", 4},         {"Friday", 5},
-        {"Saturday", 6},          {"Sunday", 7},    {"Periodic", 12}};
-    for (const auto& [text, code] : jours)
-        t.jours.push_back({QString::fromUtf8(text), code});
+    t.valeursLogiques = {"Closed", "Open"};
+    t.jours = {{"No time condition", 0}, {"Every day", 8}, {"Monday to Friday", 9}, {"Monday", 1},
+               {"Tuesday", 2},           {"Wednesday", 3}, {"Thursday", 4},         {"Friday", 5},
+               {"Saturday", 6},          {"Sunday", 7},    {"Periodic", 12}};
     return t;
 }
 
-Condition line(int sortie, double valeur, int jour, int h, int m, int s,
-               const QString& commentaire = QString()) {
+Condition line(int sortie, double valeur, int jour, int h, int m, int s) {
     Condition c;
-    c.sortie = static_cast<std::int16_t>(sortie);
+    c.sortie = std::int16_t(sortie);
     c.Valeur = valeur;
-    c.Jour = static_cast<std::int16_t>(jour);
-    c.Heure = static_cast<std::int16_t>(h);
-    c.Minute = static_cast<std::int16_t>(m);
-    c.Seconde = static_cast<std::int16_t>(s);
-    c.Commentaire = commentaire;
+    c.Jour = std::int16_t(jour);
+    c.Heure = std::int16_t(h);
+    c.Minute = std::int16_t(m);
+    c.Seconde = std::int16_t(s);
     return c;
 }
 
 const QString kHeading = QStringLiteral("10/03/2026\tsix.prg - Page : 1");
+// The heading and the defaults block, the valve's state left out.
+const QStringList kTop = {kHeading, "v", "v", "Default values"};
+const QStringList kGap = {"v", "v", "v", "v"};
 
 TEST(PrintoutPage, EmptyProgrammeHasTheHeadingAndTheDefaultsOnly) {
     const ProgrammePrintout page = ImprimeProgrammation(Conditions(), englishTexts());
     EXPECT_EQ(page.heading, kHeading);
-    EXPECT_EQ(pageLines(page),
-              (QStringList{kHeading, QStringLiteral("v"), QStringLiteral("v"),
-                           QStringLiteral("Default values"),
-                           QStringLiteral("Bistable valve | Open"), QStringLiteral("v"),
-                           QStringLiteral("v"), QStringLiteral("v"), QStringLiteral("v")}));
+    EXPECT_EQ(pageLines(page), kTop + QStringList{"Bistable valve | Open"} + kGap);
 }
 
 TEST(PrintoutPage, EveryKindOfLine) {
@@ -71,7 +65,9 @@ TEST(PrintoutPage, EveryKindOfLine) {
     // No time: three rows on paper.
     programme.Add(line(3, 1, 0, 0, 0, 0));
     // A week day, with a comment from the device.
-    programme.Add(line(3, 0, 1, 8, 5, 0, QStringLiteral("Morning")));
+    Condition commented = line(3, 0, 1, 8, 5, 0);
+    commented.Commentaire = "Morning";
+    programme.Add(commented);
     // A range: no row carries 11, so the day of the line before stands.
     Condition range = line(3, 1, JourPlage, 6, 0, 0);
     range.PlageFinHeure = 18;
@@ -90,57 +86,32 @@ TEST(PrintoutPage, EveryKindOfLine) {
 
     PrintoutTexts texts = englishTexts();
     texts.etatsDefaut = {0};
-    EXPECT_EQ(pageLines(ImprimeProgrammation(programme, texts)),
-              (QStringList{
-                  kHeading,
-                  QStringLiteral("v"),
-                  QStringLiteral("v"),
-                  QStringLiteral("Default values"),
-                  QStringLiteral("Bistable valve | Closed"),
-                  QStringLiteral("v"),
-                  QStringLiteral("v"),
-                  QStringLiteral("v"),
-                  QStringLiteral("v"),
-                  QStringLiteral("Condition 1"),
-                  QString(),
-                  QStringLiteral("Bistable valve =  | Open"),
-                  QStringLiteral("Condition 2"),
-                  QStringLiteral("Morning"),
-                  QStringLiteral("Bistable valve =  | Closed"),
-                  QStringLiteral("Daily schedule | Monday = 8:5:0"),
-                  QStringLiteral("Condition 3"),
-                  QString(),
-                  QStringLiteral("Bistable valve =  | Open"),
-                  QStringLiteral("Daily schedule | Monday = 6:0:0 / 18:30:15"),
-                  QStringLiteral("Condition 4"),
-                  QString(),
-                  QStringLiteral("Bistable valve =  | Open"),
-                  QStringLiteral("Daily schedule | Periodic = 6:30:7"),
-                  QStringLiteral("Condition 5"),
-                  QString(),
-                  QStringLiteral("Bistable valve =  | "),
-                  QStringLiteral("Condition 6"),
-                  QString(),
-                  QStringLiteral("Bistable valve =  | Closed"),
-                  QStringLiteral("Daily schedule | Every day = 23:59:59"),
-              }));
+    const QStringList lines = pageLines(ImprimeProgrammation(programme, texts));
+    EXPECT_EQ(lines.mid(0, 9), kTop + QStringList{"Bistable valve | Closed"} + kGap);
+    EXPECT_EQ(
+        lines.mid(9).join(" ; "),
+        "Condition 1 ;  ; Bistable valve =  | Open ; "
+        "Condition 2 ; Morning ; Bistable valve =  | Closed ; "
+        "Daily schedule | Monday = 8:5:0 ; "
+        "Condition 3 ;  ; Bistable valve =  | Open ; "
+        "Daily schedule | Monday = 6:0:0 / 18:30:15 ; "
+        "Condition 4 ;  ; Bistable valve =  | Open ; Daily schedule | Periodic = 6:30:7 ; "
+        "Condition 5 ;  ; Bistable valve =  |  ; "
+        "Condition 6 ;  ; Bistable valve =  | Closed ; Daily schedule | Every day = 23:59:59");
 }
 
 TEST(PrintoutPage, OutputNamesOutsideTheListKeepTheNamePrintedLast) {
     PrintoutTexts texts = englishTexts();
-    texts.sorties = {QStringLiteral("Valve"), QStringLiteral("Pump")};
+    texts.sorties = {"Valve", "Pump"};
     texts.etatsDefaut = {1}; // the second state unread: Close
     Conditions programme;
     programme.Add(line(3, 1, 0, 0, 0, 0));
     programme.Add(line(0, 1, 0, 0, 0, 0));
     programme.Add(line(-1, 0, 0, 0, 0, 0));
     const QStringList lines = pageLines(ImprimeProgrammation(programme, texts));
-    EXPECT_EQ(lines.mid(4, 2),
-              (QStringList{QStringLiteral("Valve | Open"), QStringLiteral("Pump | Closed")}));
-    const QStringList outputs = lines.filter(QStringLiteral(" = "));
-    EXPECT_EQ(outputs,
-              (QStringList{QStringLiteral("Pump =  | Open"), QStringLiteral("Valve =  | Open"),
-                           QStringLiteral("Valve =  | Closed")}));
+    EXPECT_EQ(lines.mid(4, 2), (QStringList{"Valve | Open", "Pump | Closed"}));
+    EXPECT_EQ(lines.filter(" = "),
+              (QStringList{"Pump =  | Open", "Valve =  | Open", "Valve =  | Closed"}));
 }
 
 TEST(PrintoutPage, HeadingIsDayFirstWhateverTheLocale) {
@@ -148,8 +119,7 @@ TEST(PrintoutPage, HeadingIsDayFirstWhateverTheLocale) {
     PrintoutTexts texts = englishTexts();
     texts.date = QDate(2026, 12, 3);
     texts.nomFichier = QString();
-    EXPECT_EQ(ImprimeProgrammation(Conditions(), texts).heading,
-              QStringLiteral("03/12/2026\t - Page : 1"));
+    EXPECT_EQ(ImprimeProgrammation(Conditions(), texts).heading, "03/12/2026\t - Page : 1");
 }
 
 TEST(PrintoutLayout, LinesMovesAndColumn32) {
@@ -158,63 +128,45 @@ TEST(PrintoutLayout, LinesMovesAndColumn32) {
     Conditions programme;
     programme.Add(line(3, 1, 8, 7, 0, 0));
     PrintoutTexts texts = englishTexts();
-    texts.programmationJournaliere = QString(40, QLatin1Char('x'));
+    texts.programmationJournaliere = QString(40, 'x');
     const double col = 31 * 4;
     const std::vector<PlacedText> expected = {
         {0, 0, kHeading},
-        {0, 40, QStringLiteral("Default values")},
-        {0, 60, QStringLiteral("Bistable valve")},
-        {col, 60, QStringLiteral("Open")},
-        {0, 120, QStringLiteral("Condition 1")},
+        {0, 40, "Default values"},
+        {0, 60, "Bistable valve"},
+        {col, 60, "Open"},
+        {0, 120, "Condition 1"},
         // the empty comment takes its line
-        {0, 160, QStringLiteral("Bistable valve = ")},
-        {col, 160, QStringLiteral("Open")},
+        {0, 160, "Bistable valve = "},
+        {col, 160, "Open"},
         // a first item past column 32 sends the second to the next line
-        {0, 180, QString(40, QLatin1Char('x'))},
-        {col, 200, QStringLiteral("Every day = 7:0:0")},
-    };
+        {0, 180, QString(40, 'x')},
+        {col, 200, "Every day = 7:0:0"}};
     EXPECT_EQ(layoutPrintout(ImprimeProgrammation(programme, texts), metrics), expected);
-}
 
-TEST(PrintoutLayout, HalfHeightIsRoundedDown) {
-    PrintMetrics metrics{25, 5, [](const QString& t) { return 5.0 * t.size(); }};
-    const auto placed = layoutPrintout(ImprimeProgrammation(Conditions(), englishTexts()), metrics);
+    // Half the heading's height is rounded down: the heading's line, then
+    // two moves of 12.
+    metrics = {25, 5, [](const QString& t) { return 5.0 * t.size(); }};
+    const auto placed = layoutPrintout(ImprimeProgrammation(Conditions(), texts), metrics);
     ASSERT_GE(placed.size(), 2u);
-    // The heading's line, then two moves of 12.
-    EXPECT_EQ(placed[1].y, 25 + 12 + 12);
-    EXPECT_EQ(placed[1].text, QStringLiteral("Default values"));
+    EXPECT_EQ(placed[1], (PlacedText{0, 25 + 12 + 12, "Default values"}));
 }
 
 class PrintoutFromConfig : public EditorFixture {};
 
 TEST_F(PrintoutFromConfig, PrintoutTextsAsAFreshEditorShowsThem) {
-    struct Case {
-        QString langue;
-        QString valeursDefaut, journaliere, close, last;
-    };
-    const std::vector<Case> cases = {
-        {QStringLiteral("English"), QStringLiteral("Default values"),
-         QStringLiteral("Daily schedule"), QStringLiteral("Closed"), QStringLiteral("Periodic")},
-        {QStringLiteral("Français"), QStringLiteral("Valeurs par défaut"),
-         QStringLiteral("Programmation journalière"), QStringLiteral("Fermée"),
-         QStringLiteral("Périodique")},
-    };
-    Sauve_EtatDefautSortie(*config, QStringLiteral("English"), 0, 1);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.langue.toStdString());
+    Sauve_EtatDefautSortie(*config, "English", 0, 1);
+    const std::array<QString, 5> cases[] = {
+        {"English", "Default values", "Daily schedule", "Closed", "Periodic"},
+        {"Français", "Valeurs par défaut", "Programmation journalière", "Fermée", "Périodique"}};
+    for (const auto& [langue, valeursDefaut, journaliere, close, last] : cases) {
         const PrintoutTexts t =
-            printoutTextsFromConfig(*config, c.langue, QStringLiteral("a.prg"), QDate(2026, 1, 2));
-        EXPECT_EQ(t.valeursDefaut, c.valeursDefaut);
-        EXPECT_EQ(t.programmationJournaliere, c.journaliere);
-        EXPECT_EQ(t.condition, QStringLiteral("Condition"));
-        EXPECT_EQ(t.page, QStringLiteral("Page"));
-        ASSERT_EQ(t.valeursLogiques.size(), 2);
-        EXPECT_EQ(t.valeursLogiques[0], c.close);
-        ASSERT_EQ(t.sorties.size(), 1);
-        EXPECT_EQ(t.etatsDefaut, std::vector<std::int16_t>{1});
-        ASSERT_EQ(t.jours.size(), 11u);
-        EXPECT_EQ(t.jours.back().text, c.last);
+            printoutTextsFromConfig(*config, langue, "a.prg", QDate(2026, 1, 2));
+        EXPECT_EQ(QStringList({t.valeursDefaut, t.programmationJournaliere,
+                               t.valeursLogiques.value(0), t.jours.back().text}),
+                  QStringList({valeursDefaut, journaliere, close, last}));
         EXPECT_EQ(t.jours.back().itemData, 12);
+        EXPECT_EQ(t.etatsDefaut, std::vector<std::int16_t>{1});
     }
 }
 
@@ -222,13 +174,11 @@ TEST_F(PrintoutFromConfig, PrintoutFromTheEditorMatchesTheConfigTexts) {
     editor->Form_Load();
     editor->Ajouter_Click();
     editor->ModifierCondition_Click();
-    view.setText(QStringLiteral("NomFichier"), QStringLiteral("a.prg"));
-    const ProgrammePrintout fromEditor = editor->contenuImpression();
+    view.setText("NomFichier", "a.prg");
     const ProgrammePrintout fromConfig = ImprimeProgrammation(
-        conditions, printoutTextsFromConfig(*config, QStringLiteral("English"),
-                                            QStringLiteral("a.prg"), now.date()));
-    EXPECT_EQ(pageLines(fromEditor), pageLines(fromConfig));
-    EXPECT_EQ(pageLines(fromEditor).size(), 12);
+        conditions, printoutTextsFromConfig(*config, "English", "a.prg", now.date()));
+    EXPECT_EQ(pageLines(editor->contenuImpression()), pageLines(fromConfig));
+    EXPECT_EQ(pageLines(fromConfig).size(), 12);
 }
 
 } // namespace

@@ -24,170 +24,115 @@ void write(const QString& path, const QByteArray& bytes) {
     file.write(bytes);
 }
 
-// A scratch application folder holding a copy of the shipped config.xml.
-class ProgrammeFiles : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        write(configPath(), contents(QStringLiteral(QUORVEL_SHIPPED_CONFIG)));
-    }
-
-    QString configPath() const { return dir_.filePath(QStringLiteral("config.xml")); }
-    QString path(const char* name) const { return dir_.filePath(QString::fromLatin1(name)); }
-
-    QTemporaryDir dir_;
-};
-
 Conditions twoLines() {
     Conditions conditions;
     Condition first;
     first.Nom = QStringLiteral("Bistable valve-1");
     first.sortie = 3;
-    first.Valeur = 1.0;
-    first.Temporisation = 3600;
     first.Jour = 4;
-    first.Heure = 8;
-    first.Minute = 30;
     first.setValeur1(0, 12.5);
     first.Regulation = true;
     first.Consigne = QStringLiteral("20");
     conditions.Add(first);
     Condition second;
     second.Nom = QStringLiteral("Bistable valve-2");
-    second.sortie = 3;
     second.rang = 1;
     second.Jour = JourPeriode;
-    second.Seconde = 3;
-    second.PlageFinHeure = 6;
-    second.PlageFinMinute = 15;
     second.Offset = -0.5;
     conditions.Add(second);
     return conditions;
 }
 
-// Attribute names of each "Condition" element of a file, in file order.
-std::vector<QStringList> rowAttributeOrder(const QByteArray& xml) {
-    std::vector<QStringList> rows;
-    QXmlStreamReader reader(xml);
-    while (!reader.atEnd()) {
-        reader.readNext();
-        if (reader.isStartElement() && reader.name() == QLatin1String("Condition")) {
-            QStringList names;
-            for (const QXmlStreamAttribute& attribute : reader.attributes()) {
-                names << attribute.name().toString();
-            }
-            rows.push_back(names);
-        }
-        if (reader.hasError()) {
-            ADD_FAILURE() << reader.errorString().toStdString();
-            break;
-        }
+// A scratch application folder holding a copy of the shipped config.xml,
+// and a programme file made from it with two lines.
+class ProgrammeFiles : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QString configPath = dir.filePath("config.xml");
+    QString prg = dir.filePath("Jardin.prg");
+    std::unique_ptr<ConfigDocument> config;
+
+    void SetUp() override {
+        ASSERT_TRUE(dir.isValid());
+        write(configPath, contents(QStringLiteral(QUORVEL_SHIPPED_CONFIG)));
+        write(prg, contents(configPath));
+        config = std::make_unique<ConfigDocument>(configPath);
     }
-    return rows;
-}
+};
 
-TEST_F(ProgrammeFiles, ProgrammeGoesThroughConfigXmlAndComesBack) {
-    const ConfigDocument config(configPath());
-    const Conditions lines = twoLines();
-    SauveConditions(config, lines);
-
+TEST_F(ProgrammeFiles, ProgrammeGoesThroughConfigXmlInTheWritersOrderAndComesBack) {
+    SauveConditions(*config, twoLines());
     Conditions back;
-    EXPECT_EQ(LitConditions(config, back), QStringList({"Bistable valve-1", "Bistable valve-2"}));
-    ASSERT_EQ(back.Count(), 2);
-    for (int n = 1; n <= 2; ++n) {
-        EXPECT_EQ(test::storedFields(*back.Item(n)), test::storedFields(*lines.Item(n)));
-    }
+    EXPECT_EQ(LitConditions(*config, back), QStringList({"Bistable valve-1", "Bistable valve-2"}));
+    EXPECT_TRUE(*back.Item(2) == *twoLines().Item(2));
     // The rest of the file is still there.
-    EXPECT_EQ(Donne_EtatDefautSortie(config, QStringLiteral("English"), 0), 0);
-}
+    EXPECT_EQ(Donne_EtatDefautSortie(*config, "English", 0), 0);
 
-TEST_F(ProgrammeFiles, RowsKeepTheirAttributeOrderInTheFile) {
-    const ConfigDocument config(configPath());
-    SauveConditions(config, twoLines());
-    const std::vector<QStringList> rows = rowAttributeOrder(contents(configPath()));
-    ASSERT_EQ(rows.size(), 3u);
-    for (const QStringList& names : rows) {
-        EXPECT_EQ(names, conditionAttributeNames());
+    // Every row, the schema row too, has its attributes in the writer's order.
+    QXmlStreamReader reader(contents(configPath));
+    int rows = 0;
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement &&
+            reader.name() == QLatin1String("Condition")) {
+            QStringList names;
+            for (const QXmlStreamAttribute& attribute : reader.attributes())
+                names << attribute.name().toString();
+            EXPECT_EQ(names, conditionAttributeNames());
+            ++rows;
+        }
     }
+    EXPECT_FALSE(reader.hasError());
+    EXPECT_EQ(rows, 3);
 }
 
 TEST_F(ProgrammeFiles, AProgrammeFileIsWrittenAndReadWithoutTouchingConfigXml) {
-    const ConfigDocument config(configPath());
-    const QString prg = path("Jardin.prg");
-    write(prg, contents(configPath()));
-    const QByteArray before = contents(configPath());
-
-    SauveConditions(config, twoLines(), prg);
-    EXPECT_EQ(contents(configPath()), before);
+    const QByteArray before = contents(configPath);
+    SauveConditions(*config, twoLines(), prg);
+    EXPECT_EQ(contents(configPath), before);
 
     Conditions fromFile;
-    EXPECT_EQ(LitConditions(config, fromFile, prg).size(), 2);
+    EXPECT_EQ(LitConditions(*config, fromFile, prg).size(), 2);
     Conditions fromConfig;
-    EXPECT_TRUE(LitConditions(config, fromConfig).isEmpty());
+    EXPECT_TRUE(LitConditions(*config, fromConfig).isEmpty());
 }
 
 TEST_F(ProgrammeFiles, AFileThatCannotBeReadIsAnErrorAndTheLinesStay) {
-    const ConfigDocument config(configPath());
-    write(path("broken.prg"), "<Configuration><CONDITIONS><Condition NOM=\"A\"></CONDITIONS>");
+    write(dir.filePath("broken.prg"), R"(<Configuration><CONDITIONS><Condition NOM="A">)");
     Conditions conditions = twoLines();
     for (const char* name : {"missing.prg", "broken.prg"}) {
-        EXPECT_THROW(LitConditions(config, conditions, path(name)), ConfigError) << name;
-        EXPECT_THROW(SauveConditions(config, conditions, path(name)), ConfigError) << name;
+        EXPECT_THROW(LitConditions(*config, conditions, dir.filePath(name)), ConfigError) << name;
+        EXPECT_THROW(SauveConditions(*config, conditions, dir.filePath(name)), ConfigError);
         EXPECT_EQ(conditions.Count(), 2);
     }
-}
 
-TEST_F(ProgrammeFiles, DefaultStateIsReadAndWrittenInConfigXml) {
-    const ConfigDocument config(configPath());
-    Sauve_EtatDefautSortie(config, QStringLiteral("English"), 0, 1);
-    EXPECT_EQ(Donne_EtatDefautSortie(config, QStringLiteral("ENGLISH"), 0), 1);
-    EXPECT_EQ(Donne_EtatDefautSortie(config, QStringLiteral("FRANÇAIS"), 0), 0)
-        << "the other languages keep their copy";
-    Sauve_EtatDefautSortie(config, QStringLiteral("English"), 0, 0);
-    EXPECT_EQ(Donne_EtatDefautSortie(config, QStringLiteral("English"), 0), 0);
-}
-
-TEST_F(ProgrammeFiles, DefaultStateFromAProgrammeFileLandsInConfigXml) {
-    const ConfigDocument config(configPath());
-    const QString prg = path("Jardin.prg");
-    write(prg, contents(configPath()));
-    SauveConditions(config, twoLines(), prg);
-    const QByteArray programme = contents(prg);
-
-    EXPECT_EQ(Donne_EtatDefautSortie(config, QStringLiteral("English"), 0, prg), 0);
-    Sauve_EtatDefautSortie(config, QStringLiteral("English"), 0, 1, prg);
-    // The changed document is the programme file's, and it goes to config.xml.
-    EXPECT_EQ(contents(prg), programme);
-    EXPECT_EQ(Donne_EtatDefautSortie(config, QStringLiteral("English"), 0), 1);
-    Conditions conditions;
-    EXPECT_EQ(LitConditions(config, conditions).size(), 2);
-}
-
-TEST_F(ProgrammeFiles, DefaultStateWithoutARowWritesTheFileAsItWas) {
-    const ConfigDocument config(configPath());
-    const QString prg = path("Jardin.prg");
-    write(prg, contents(configPath()));
-    SauveConditions(config, twoLines(), prg);
-    const QByteArray before = contents(configPath());
-
-    Sauve_EtatDefautSortie(config, QStringLiteral("English"), 9, 1, prg);
-    EXPECT_EQ(contents(configPath()), before);
-    Conditions conditions;
-    EXPECT_EQ(LitConditions(config, conditions, prg).size(), 2);
-    EXPECT_EQ(Donne_EtatDefautSortie(config, QStringLiteral("English"), 0, prg), 0);
-}
-
-TEST_F(ProgrammeFiles, ADamagedOutputListIsReportedWithItsFile) {
-    const ConfigDocument config(configPath());
-    write(path("damaged.prg"), "<Configuration><Listes><Traduction Nom=\"English\"><ListeSorties>"
-                               "<Ligne><Texte>Valve</Texte><Index>0</Index></Ligne>"
-                               "</ListeSorties></Traduction></Listes></Configuration>");
+    // A damaged output list is reported with its file.
+    const QString damaged = dir.filePath("damaged.prg");
+    write(damaged, "<Configuration><Listes><Traduction Nom=\"English\"><ListeSorties>"
+                   "<Ligne><Texte>Valve</Texte><Index>0</Index></Ligne>"
+                   "</ListeSorties></Traduction></Listes></Configuration>");
     try {
-        Donne_EtatDefautSortie(config, QStringLiteral("English"), 0, path("damaged.prg"));
+        Donne_EtatDefautSortie(*config, "English", 0, damaged);
         ADD_FAILURE() << "no error";
     } catch (const ConfigError& error) {
-        EXPECT_TRUE(error.text().contains(QStringLiteral("damaged.prg"))) << error.what();
+        EXPECT_TRUE(error.text().contains("damaged.prg")) << error.what();
     }
+}
+
+// The changed document is the programme file's, and it goes to config.xml;
+// without a row nothing is written.
+TEST_F(ProgrammeFiles, DefaultStateFromAProgrammeFileLandsInConfigXml) {
+    SauveConditions(*config, twoLines(), prg);
+    const QByteArray programme = contents(prg);
+    const QByteArray before = contents(configPath);
+
+    Sauve_EtatDefautSortie(*config, "English", 9, 1, prg);
+    EXPECT_EQ(contents(configPath), before);
+    EXPECT_EQ(Donne_EtatDefautSortie(*config, "English", 0, prg), 0);
+    Sauve_EtatDefautSortie(*config, "English", 0, 1, prg);
+    EXPECT_EQ(contents(prg), programme);
+    EXPECT_EQ(Donne_EtatDefautSortie(*config, "English", 0), 1);
+    Conditions conditions;
+    EXPECT_EQ(LitConditions(*config, conditions).size(), 2);
 }
 
 } // namespace

@@ -17,52 +17,31 @@ inline void PrintTo(const QStringList& list, std::ostream* out) {
 
 namespace qv::test {
 
-// Every field of a line that the store keeps, one "name=value" per entry,
-// so that a comparison names the field that differs. Doubles are given with
-// all their digits.
+// Every field of a line that the store keeps, a few "name=value" to an
+// entry, so that a comparison names the fields that differ. Doubles are
+// given with all their digits.
 inline QStringList storedFields(const Condition& c) {
-    QStringList fields;
-    const auto add = [&](const char* name, const QString& value) {
-        fields << QString::fromLatin1(name) + QLatin1Char('=') + value;
-    };
-    const auto number = [](double v) { return QString::number(v, 'g', 17); };
-    add("Nom", c.Nom);
-    add("sortie", QString::number(c.sortie));
-    add("rang", QString::number(c.rang));
-    add("Format", QString::number(c.Format));
-    add("Valeur", number(c.Valeur));
-    add("Temporisation", QString::number(c.Temporisation));
-    add("Offset", number(c.Offset));
-    add("Jour", QString::number(c.Jour));
-    add("Heure", QString::number(c.Heure));
-    add("Minute", QString::number(c.Minute));
-    add("Seconde", QString::number(c.Seconde));
-    add("PlageFinJour", QString::number(c.PlageFinJour));
-    add("PlageFinHeure", QString::number(c.PlageFinHeure));
-    add("PlageFinMinute", QString::number(c.PlageFinMinute));
-    add("PlageFinSeconde", QString::number(c.PlageFinSeconde));
-    add("RecopieEntree", QString::number(c.RecopieEntree));
-    for (int i = 0; i < Condition::SubConditionCount; ++i) {
-        const QString n = QString::number(i);
-        fields << QStringLiteral("Numero(%1)=%2").arg(n).arg(int(*c.Numero(i)));
-        fields << QStringLiteral("Operateur(%1)=%2").arg(n).arg(int(*c.Operateur(i)));
-        fields << QStringLiteral("tempo(%1)=%2").arg(n).arg(int(*c.tempo(i)));
-        fields << QStringLiteral("Valeur1(%1)=%2").arg(n, number(*c.Valeur1(i)));
-        fields << QStringLiteral("Valeur2(%1)=%2").arg(n, number(*c.Valeur2(i)));
-    }
-    add("Regulation", c.Regulation ? QStringLiteral("true") : QStringLiteral("false"));
-    add("Consigne", c.Consigne);
-    add("DeltaAction", c.DeltaAction);
-    add("DureeAction", c.DureeAction);
-    add("FiltreRetour", c.FiltreRetour);
-    add("ConsigneS1", c.ConsigneS1);
-    add("ConsigneS2", c.ConsigneS2);
-    add("EntreeConsigne", QString::number(c.EntreeConsigne));
-    add("PeriodeEchantillonnage", c.PeriodeEchantillonnage);
-    add("TypeCourbe", c.TypeCourbe);
-    add("RecopieSortie", c.RecopieSortie);
-    add("Commentaire", c.Commentaire);
-    return fields;
+    const auto n = [](double v) { return QString::number(v, 'g', 17); };
+    QStringList f;
+    f << QStringLiteral("Nom=%1 sortie=%2 rang=%3 Format=%4")
+             .arg(c.Nom, n(c.sortie), n(c.rang), n(c.Format));
+    f << QStringLiteral("Valeur=%1 Temporisation=%2 Offset=%3 RecopieEntree=%4")
+             .arg(n(c.Valeur), n(c.Temporisation), n(c.Offset), n(c.RecopieEntree));
+    f << QStringLiteral("Jour=%1 %2:%3:%4 Fin=%5 %6:%7:%8")
+             .arg(n(c.Jour), n(c.Heure), n(c.Minute), n(c.Seconde), n(c.PlageFinJour),
+                  n(c.PlageFinHeure), n(c.PlageFinMinute), n(c.PlageFinSeconde));
+    for (int i = 0; i < Condition::SubConditionCount; ++i)
+        f << QStringLiteral("[%1] Numero=%2 Operateur=%3 tempo=%4 Valeur1=%5 Valeur2=%6")
+                 .arg(n(i), n(*c.Numero(i)), n(*c.Operateur(i)), n(*c.tempo(i)), n(*c.Valeur1(i)),
+                      n(*c.Valeur2(i)));
+    f << QStringLiteral("Regulation=%1 Consigne=%2 DeltaAction=%3 DureeAction=%4")
+             .arg(n(c.Regulation), c.Consigne, c.DeltaAction, c.DureeAction);
+    f << QStringLiteral("FiltreRetour=%1 ConsigneS1=%2 ConsigneS2=%3 EntreeConsigne=%4")
+             .arg(c.FiltreRetour, c.ConsigneS1, c.ConsigneS2, n(c.EntreeConsigne));
+    f << QStringLiteral("PeriodeEchantillonnage=%1 TypeCourbe=%2 RecopieSortie=%3")
+             .arg(c.PeriodeEchantillonnage, c.TypeCourbe, c.RecopieSortie);
+    f << QStringLiteral("Commentaire=") + c.Commentaire;
+    return f;
 }
 
 // Sets the default locale for the life of a test.

@@ -7,15 +7,6 @@
 namespace qv::test {
 namespace {
 
-constexpr std::uint32_t rgb(int r, int g, int b) {
-    return static_cast<std::uint32_t>((r << 16) | (g << 8) | b);
-}
-
-TEST(ValidationColours, WhiteAndTheRedOfTheOldForms) {
-    EXPECT_EQ(kFondValide, rgb(255, 255, 255));
-    EXPECT_EQ(kFondErreur, rgb(250, 100, 100));
-}
-
 class ValidationTest : public EditorFixture {
 protected:
     void SetUp() override {
@@ -33,98 +24,67 @@ protected:
     }
 };
 
+// Each case follows the one before in the same box, so a valid entry also
+// shows that the last error is cleared at once. The duration is wider than
+// what a commit keeps, and accepted silently.
 TEST_F(ValidationTest, ValidationOfEachFieldOnADecimalCommaMachine) {
-    struct Case {
-        const char* field;
-        QString typed;
-        bool valid;
-        QString explanation;
-    };
-    const QString periodRange = QStringLiteral("The value must be between 0 and 255");
-    const QString durationRange = QStringLiteral("The value must be between 0 and 65535");
-    const QString notNumber = QStringLiteral("The value is not a number");
-    const std::vector<Case> cases = {
-        {"ValeurPeriode", QStringLiteral("0"), true, {}},
-        {"ValeurPeriode", QStringLiteral("255"), true, {}},
-        {"ValeurPeriode", QStringLiteral("254,5"), true, {}},
-        {"ValeurPeriode", QStringLiteral(" 7 "), true, {}},
-        {"ValeurPeriode", QStringLiteral("256"), false, periodRange},
-        {"ValeurPeriode", QStringLiteral("-1"), false, periodRange},
-        {"ValeurPeriode", QStringLiteral("255,01"), false, periodRange},
-        {"ValeurPeriode", QStringLiteral("2.5"), false, notNumber},
-        {"ValeurPeriode", QString(), false, notNumber},
-        {"ValeurPeriode", QStringLiteral("abc"), false, notNumber},
-        {"ValeurTemporisation", QStringLiteral("0"), true, {}},
-        // Wider than what a commit keeps, and accepted without a word.
-        {"ValeurTemporisation", QStringLiteral("40000"), true, {}},
-        {"ValeurTemporisation", QStringLiteral("65535"), true, {}},
-        {"ValeurTemporisation", QStringLiteral("3600,5"), true, {}},
-        {"ValeurTemporisation", QStringLiteral("65536"), false, durationRange},
-        {"ValeurTemporisation", QStringLiteral("-0,5"), false, durationRange},
-        {"ValeurTemporisation", QStringLiteral("3600.5"), false, notNumber},
-        {"ValeurTemporisation", QStringLiteral("12s"), false, notNumber},
-    };
-    for (const Case& c : cases) {
-        const QString field = QString::fromLatin1(c.field);
-        SCOPED_TRACE((field + QStringLiteral(" '") + c.typed + QLatin1Char('\'')).toStdString());
+    const QString range255 = "The value must be between 0 and 255";
+    const QString range65535 = "The value must be between 0 and 65535";
+    const QString notNumber = "The value is not a number";
+    const std::pair<QString, QString> period[] = {
+        {"256", range255},    {"255", ""}, {"-1", range255},   {"254,5", ""},
+        {"255,01", range255}, {" 7 ", ""}, {"2.5", notNumber}, {"0", ""},
+        {"", notNumber}};
+    const std::pair<QString, QString> duration[] = {{"65536", range65535}, {"65535", ""},
+                                                    {"-0,5", range65535},  {"3600,5", ""},
+                                                    {"3600.5", notNumber}, {"0", ""}};
+    const auto check = [&](const QString& field, const QString& typed, const QString& error) {
+        SCOPED_TRACE((field + " '" + typed + '\'').toStdString());
         view.setVisible(field, true);
         view.focus.clear();
-        type(field, c.typed);
-        EXPECT_EQ(view.background(field), c.valid ? kFondValide : kFondErreur);
-        EXPECT_EQ(text("Message"), c.explanation);
-        EXPECT_EQ(view[field].toolTip, c.explanation);
-        EXPECT_EQ(view.focus, c.valid ? QString() : field);
-        // The typed text stays as it is.
-        EXPECT_EQ(view.text(field), c.typed);
-    }
-}
+        type(field, typed);
+        EXPECT_EQ(view.background(field), error.isEmpty() ? kFondValide : kFondErreur);
+        EXPECT_EQ(text("Message"), error);
+        EXPECT_EQ(view[field].toolTip, error);
+        EXPECT_EQ(view.focus, error.isEmpty() ? QString() : field);
+        EXPECT_EQ(view.text(field), typed) << "the typed text stays as it is";
+    };
+    for (const auto& [typed, error] : period)
+        check("ValeurPeriode", typed, error);
+    for (const auto& [typed, error] : duration)
+        check("ValeurTemporisation", typed, error);
 
-TEST_F(ValidationTest, ValidationCorrectingClearsEverythingAtOnce) {
-    view.setVisible(QStringLiteral("ValeurPeriode"), true);
-    type(QStringLiteral("ValeurPeriode"), QStringLiteral("256"));
-    ASSERT_EQ(view.background(QStringLiteral("ValeurPeriode")), kFondErreur);
-    type(QStringLiteral("ValeurPeriode"), QStringLiteral("25"));
-    EXPECT_EQ(view.background(QStringLiteral("ValeurPeriode")), kFondValide);
-    EXPECT_EQ(text("Message"), QString());
-    EXPECT_EQ(view[QStringLiteral("ValeurPeriode")].toolTip, QString());
-}
-
-TEST_F(ValidationTest, ValidationHiddenBoxGetsNoFocus) {
-    // A week-day line hides the period.
-    ASSERT_FALSE(view.isVisible(QStringLiteral("ValeurPeriode")));
-    type(QStringLiteral("ValeurPeriode"), QStringLiteral("999"));
-    EXPECT_EQ(view.background(QStringLiteral("ValeurPeriode")), kFondErreur);
-    EXPECT_EQ(text("Message"), QStringLiteral("The value must be between 0 and 255"));
+    // A hidden box (a week-day line hides the period) gets no focus.
+    view.setVisible("ValeurPeriode", false);
+    view.focus.clear();
+    type("ValeurPeriode", "999");
+    EXPECT_EQ(view.background("ValeurPeriode"), kFondErreur);
+    EXPECT_EQ(text("Message"), range255);
     EXPECT_EQ(view.focus, QString());
 }
 
-TEST_F(ValidationTest, ValidationWithoutTranslationShowsTheKeysDoubledBlanks) {
-    // A language the document doesn't know: every text is its key.
-    main.language = QStringLiteral("Klingon");
-    view.setVisible(QStringLiteral("ValeurPeriode"), true);
-    type(QStringLiteral("ValeurPeriode"), QStringLiteral("300"));
-    EXPECT_EQ(text("Message"), QStringLiteral("La saisie doit être comprise entre  0  et  255"));
-    type(QStringLiteral("ValeurTemporisation"), QStringLiteral("x"));
-    EXPECT_EQ(text("Message"), QStringLiteral("La saisie n'est pas numérique"));
-    EXPECT_EQ(view[QStringLiteral("ValeurTemporisation")].toolTip,
-              QStringLiteral("La saisie n'est pas numérique"));
-}
-
-TEST_F(ValidationTest, ValidationInFrench) {
+TEST_F(ValidationTest, ValidationTextsInFrenchOrWithoutTranslation) {
     main.language = QStringLiteral("Français");
-    type(QStringLiteral("ValeurTemporisation"), QStringLiteral("70000"));
-    EXPECT_EQ(text("Message"), QStringLiteral("La saisie doit être comprise entre 0 et 65535"));
+    type("ValeurTemporisation", "70000");
+    EXPECT_EQ(text("Message"), "La saisie doit être comprise entre 0 et 65535");
+
+    // A language the document doesn't know: every text is its key, with the
+    // blanks doubled.
+    main.language = QStringLiteral("Klingon");
+    type("ValeurPeriode", "300");
+    EXPECT_EQ(text("Message"), "La saisie doit être comprise entre  0  et  255");
+    type("ValeurTemporisation", "x");
+    EXPECT_EQ(text("Message"), "La saisie n'est pas numérique");
+    EXPECT_EQ(view["ValeurTemporisation"].toolTip, "La saisie n'est pas numérique");
 }
 
 // The main form's check, over a plain view.
 class ValidationMainScreenTest : public ::testing::Test {
 protected:
     FakeEditorView view;
-    QMap<QString, QString> texts = {
-        {QStringLiteral("La saisie doit être comprise entre "), QStringLiteral("Between")},
-        {QStringLiteral(" et "), QStringLiteral("and")},
-        {QStringLiteral("La saisie n'est pas numérique"), QStringLiteral("Not a number")},
-    };
+    QMap<QString, QString> texts = {{"La saisie doit être comprise entre ", "Between"},
+                                    {" et ", "and"},
+                                    {"La saisie n'est pas numérique", "Not a number"}};
     bool broken = false;
 
     EntryCheck check(const QLocale& locale) {
@@ -139,52 +99,42 @@ protected:
 };
 
 TEST_F(ValidationMainScreenTest, ValidationLimitsAsDecimalsInTheLocale) {
-    struct Case {
-        QLocale locale;
-        QString typed;
-        bool valid;
-        QString explanation;
-    };
-    const QLocale french(QLocale::French, QLocale::France);
-    const QLocale english(QLocale::English, QLocale::UnitedKingdom);
-    const std::vector<Case> cases = {
-        {french, QStringLiteral("7,2"), true, {}},
-        {french, QStringLiteral("2,5"), true, {}},
-        {french, QStringLiteral("13"), false, QStringLiteral("Between 2,5 and 12,25")},
-        {english, QStringLiteral("13"), false, QStringLiteral("Between 2.5 and 12.25")},
-        {english, QStringLiteral("7.2"), true, {}},
-        {english, QStringLiteral("7,2"), false, QStringLiteral("Not a number")},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE((c.locale.name() + QLatin1Char(' ') + c.typed).toStdString());
-        view.setText(QStringLiteral("MinBat"), c.typed);
-        const bool result = ControleValeur(check(c.locale), QStringLiteral("MinBat"), 2.5, 12.25);
-        EXPECT_EQ(result, c.valid);
-        EXPECT_EQ(view.background(QStringLiteral("MinBat")), c.valid ? kFondValide : kFondErreur);
-        EXPECT_EQ(view.text(QStringLiteral("Message")), c.explanation);
-        EXPECT_EQ(view[QStringLiteral("MinBat")].toolTip, c.explanation);
+    const QLocale fr(QLocale::French, QLocale::France);
+    const QLocale en(QLocale::English, QLocale::UnitedKingdom);
+    const std::tuple<QLocale, QString, QString> cases[] = {{fr, "7,2", ""},
+                                                           {fr, "2,5", ""},
+                                                           {fr, "13", "Between 2,5 and 12,25"},
+                                                           {en, "13", "Between 2.5 and 12.25"},
+                                                           {en, "7.2", ""},
+                                                           {en, "7,2", "Not a number"}};
+    for (const auto& [locale, typed, explanation] : cases) {
+        SCOPED_TRACE((locale.name() + ' ' + typed).toStdString());
+        view.setText("MinBat", typed);
+        EXPECT_EQ(ControleValeur(check(locale), "MinBat", 2.5, 12.25), explanation.isEmpty());
+        EXPECT_EQ(view.background("MinBat"), explanation.isEmpty() ? kFondValide : kFondErreur);
+        EXPECT_EQ(view.text("Message"), explanation);
+        EXPECT_EQ(view["MinBat"].toolTip, explanation);
     }
 }
 
 TEST_F(ValidationMainScreenTest, ValidationTextFailureIsSwallowedByTheEditorOnly) {
     const QLocale french(QLocale::French, QLocale::France);
-    view.setText(QStringLiteral("Message"), QStringLiteral("before"));
-    view.setText(QStringLiteral("Box"), QStringLiteral("999"));
+    view.setText("Message", "before");
+    view.setText("Box", "999");
     broken = true;
 
-    EXPECT_FALSE(ControleValeur(check(french), QStringLiteral("Box"), 0, 255));
-    EXPECT_EQ(view.background(QStringLiteral("Box")), kFondErreur);
-    EXPECT_EQ(view.text(QStringLiteral("Message")), QStringLiteral("before"));
-    EXPECT_EQ(view.focus, QStringLiteral("Box"));
+    EXPECT_FALSE(ControleValeur(check(french), "Box", 0, 255));
+    EXPECT_EQ(view.background("Box"), kFondErreur);
+    EXPECT_EQ(view.text("Message"), "before");
+    EXPECT_EQ(view.focus, "Box");
 
     view.backgrounds.clear();
-    EXPECT_THROW(ControleValeur(check(french), QStringLiteral("Box"), 0.0, 255.0),
-                 std::runtime_error);
-    EXPECT_EQ(view.background(QStringLiteral("Box")), kFondErreur);
+    EXPECT_THROW(ControleValeur(check(french), "Box", 0.0, 255.0), std::runtime_error);
+    EXPECT_EQ(view.background("Box"), kFondErreur);
 
     // A valid entry needs no text at all.
-    view.setText(QStringLiteral("Box"), QStringLiteral("9"));
-    EXPECT_TRUE(ControleValeur(check(french), QStringLiteral("Box"), 0.0, 255.0));
+    view.setText("Box", "9");
+    EXPECT_TRUE(ControleValeur(check(french), "Box", 0.0, 255.0));
 }
 
 TEST(ValidationVers420, CurrentLoopScaling) {
@@ -192,11 +142,10 @@ TEST(ValidationVers420, CurrentLoopScaling) {
         double min, max, valeur;
         std::optional<double> expected;
     };
-    const std::vector<Case> cases = {
-        {0, 100, 50, 12}, {0, 100, 0, 4},   {0, 100, 100, 20}, {0, 16, 0.5, 4},
-        {0, 16, 1.5, 6},  {0, 16, 2.5, 6}, // ties to even
-        {100, 0, 25, 16}, {-50, 50, 0, 12}, {0, 100, 200, 36}, {10, 10, 5, std::nullopt},
-    };
+    // Ties go to even; a range of nothing has no answer.
+    const Case cases[] = {{0, 100, 50, 12}, {0, 100, 0, 4},    {0, 100, 100, 20},
+                          {0, 16, 1.5, 6},  {0, 16, 2.5, 6},   {100, 0, 25, 16},
+                          {-50, 50, 0, 12}, {0, 100, 200, 36}, {10, 10, 5, std::nullopt}};
     for (const Case& c : cases)
         EXPECT_EQ(Vers420(c.min, c.max, c.valeur), c.expected)
             << c.min << ".." << c.max << " at " << c.valeur;
