@@ -10,43 +10,35 @@
 namespace qv {
 namespace {
 
-struct OptionCase {
-    QStringList arguments;
-    std::optional<QString> directory;
-    QStringList remaining;
-    bool error;
-};
-
-class AppDirOptionParsing : public ::testing::TestWithParam<OptionCase> {};
-
-TEST_P(AppDirOptionParsing, FindsTheFolderAndKeepsTheRest) {
-    const auto& c = GetParam();
-    const AppDirOption option = parseAppDirOption(c.arguments);
-    EXPECT_EQ(option.directory, c.directory);
-    EXPECT_EQ(option.remaining, c.remaining);
-    EXPECT_EQ(!option.error.isEmpty(), c.error) << option.error.toStdString();
+TEST(AppDirOptionParsing, FindsTheFolderAndKeepsTheRest) {
+    struct Case {
+        QStringList arguments;
+        std::optional<QString> directory;
+        QStringList remaining;
+        bool error;
+    };
+    const QString q = QStringLiteral("quorvel");
+    for (const Case& c : std::vector<Case>{
+             {{q}, std::nullopt, {q}, false},
+             {{q, "--app-dir", "/data/q", "read"}, "/data/q", {q, "read"}, false},
+             {{q, "read", "--app-dir=/data/q"}, "/data/q", {q, "read"}, false},
+             {{q, "--app-dir=/a", "--app-dir", "/b"}, "/b", {q}, false}, // the last one wins
+             {{q, "--app-dir"}, std::nullopt, {q}, true},
+             {{q, "--app-dir="}, std::nullopt, {q}, true},
+             {{q, "--app-directory", "x"}, std::nullopt, {q, "--app-directory", "x"}, false}}) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString());
+        const AppDirOption option = parseAppDirOption(c.arguments);
+        EXPECT_EQ(option.directory, c.directory);
+        EXPECT_EQ(option.remaining, c.remaining);
+        EXPECT_EQ(!option.error.isEmpty(), c.error);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    CommandLines, AppDirOptionParsing,
-    ::testing::Values(
-        OptionCase{{"quorvel"}, std::nullopt, {"quorvel"}, false},
-        OptionCase{
-            {"quorvel", "--app-dir", "/data/q", "read"}, "/data/q", {"quorvel", "read"}, false},
-        OptionCase{{"quorvel", "read", "--app-dir=/data/q"}, "/data/q", {"quorvel", "read"}, false},
-        OptionCase{{"quorvel", "--app-dir=/a", "--app-dir", "/b"}, "/b", {"quorvel"}, false},
-        OptionCase{{"quorvel", "--app-dir=a b"}, "a b", {"quorvel"}, false},
-        OptionCase{{"quorvel", "--app-dir"}, std::nullopt, {"quorvel"}, true},
-        OptionCase{{"quorvel", "--app-dir="}, std::nullopt, {"quorvel"}, true},
-        OptionCase{{"quorvel", "--app-directory", "x"},
-                   std::nullopt,
-                   {"quorvel", "--app-directory", "x"},
-                   false}));
-
 void writeAll(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).path());
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    ASSERT_EQ(f.write(bytes), bytes.size());
+    f.write(bytes);
 }
 
 QByteArray readAll(const QString& path) {
@@ -58,106 +50,81 @@ class AppDirectoryTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(root.isValid());
-        exeDir = root.filePath("bin");
-        userDir = root.filePath("home/.local/share/quorvel");
-        installed = root.filePath("share/quorvel/config.xml");
         ASSERT_TRUE(QDir().mkpath(exeDir));
-        ASSERT_TRUE(QDir().mkpath(QFileInfo(installed).path()));
-        writeAll(installed, "<Configuration>installed</Configuration>");
+        writeAll(installed, "installed");
         sources.executableDirectory = exeDir;
         sources.userDirectory = userDir;
         sources.installedConfigs = {root.filePath("missing/config.xml"), installed};
     }
 
+    // The folder chosen and the config it then holds.
+    std::pair<QString, QByteArray> resolve() {
+        const AppDirectoryResult r = resolveAppDirectory(sources);
+        EXPECT_TRUE(r.ok()) << r.error.toStdString();
+        return {r.directory, readAll(r.configPath())};
+    }
+
     QTemporaryDir root;
-    QString exeDir;
-    QString userDir;
-    QString installed;
+    QString exeDir = root.filePath("bin");
+    QString userDir = root.filePath("home/.local/share/quorvel");
+    QString installed = root.filePath("share/quorvel/config.xml");
     AppDirectorySources sources;
 };
 
+TEST_F(AppDirectoryTest, TheUserFolderIsSeededOnceFromTheInstalledCopy) {
+    EXPECT_EQ(resolve(), std::make_pair(userDir, QByteArray("installed")));
+    // The user's own changes are never overwritten by a later start.
+    writeAll(userDir + "/config.xml", "mine");
+    EXPECT_EQ(resolve().second, "mine");
+
+    // With nothing to seed from, the error names both places and no config is made.
+    sources.installedConfigs = {root.filePath("missing/config.xml")};
+    sources.userDirectory = root.filePath("other");
+    const AppDirectoryResult r = resolveAppDirectory(sources);
+    EXPECT_FALSE(r.ok());
+    EXPECT_TRUE(r.error.contains(sources.userDirectory)) << r.error.toStdString();
+    EXPECT_TRUE(r.error.contains("missing/config.xml")) << r.error.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(sources.userDirectory + "/config.xml"));
+}
+
 TEST_F(AppDirectoryTest, AConfigBesideTheProgramMakesItPortable) {
-    writeAll(exeDir + "/config.xml", "<Configuration>portable</Configuration>");
-    const AppDirectoryResult result = resolveAppDirectory(sources);
-    ASSERT_TRUE(result.ok()) << result.error.toStdString();
-    EXPECT_EQ(result.directory, exeDir);
+    writeAll(exeDir + "/config.xml", "portable");
+    EXPECT_EQ(resolve(), std::make_pair(exeDir, QByteArray("portable")));
     EXPECT_FALSE(QFileInfo::exists(userDir));
 }
 
-TEST_F(AppDirectoryTest, OtherwiseTheUserFolderIsSeededOnceFromTheInstalledCopy) {
-    AppDirectoryResult result = resolveAppDirectory(sources);
-    ASSERT_TRUE(result.ok()) << result.error.toStdString();
-    EXPECT_EQ(result.directory, userDir);
-    EXPECT_EQ(readAll(result.configPath()), "<Configuration>installed</Configuration>");
-
-    // The user's own changes are never overwritten by a later start.
-    writeAll(result.configPath(), "<Configuration>mine</Configuration>");
-    result = resolveAppDirectory(sources);
-    ASSERT_TRUE(result.ok()) << result.error.toStdString();
-    EXPECT_EQ(readAll(result.configPath()), "<Configuration>mine</Configuration>");
-}
-
-TEST_F(AppDirectoryTest, WithNothingToSeedFromTheErrorSaysSoAndNoConfigIsMade) {
-    sources.installedConfigs = {root.filePath("missing/config.xml")};
-    const AppDirectoryResult result = resolveAppDirectory(sources);
-    EXPECT_FALSE(result.ok());
-    EXPECT_TRUE(result.error.contains(userDir)) << result.error.toStdString();
-    EXPECT_TRUE(result.error.contains("missing/config.xml")) << result.error.toStdString();
-    EXPECT_FALSE(QFileInfo::exists(userDir + "/config.xml"));
-}
-
-TEST_F(AppDirectoryTest, AnExplicitFolderWinsAndIsCreatedAndSeededFromTheProgramsCopy) {
-    writeAll(exeDir + "/config.xml", "<Configuration>shipped</Configuration>");
+TEST_F(AppDirectoryTest, AnExplicitFolderWinsAndIsCreatedAndSeeded) {
+    // Seeded from the installed copy when the program has none beside it.
+    sources.explicitDirectory = root.filePath("a");
+    EXPECT_EQ(resolve(), std::make_pair(root.filePath("a"), QByteArray("installed")));
+    // From the program's own copy when it has one; a folder's own config stays.
+    writeAll(exeDir + "/config.xml", "shipped");
     sources.explicitDirectory = root.filePath("chosen/deep");
-    const AppDirectoryResult result = resolveAppDirectory(sources);
-    ASSERT_TRUE(result.ok()) << result.error.toStdString();
-    EXPECT_EQ(result.directory, root.filePath("chosen/deep"));
-    EXPECT_EQ(readAll(result.configPath()), "<Configuration>shipped</Configuration>");
-}
+    EXPECT_EQ(resolve(), std::make_pair(root.filePath("chosen/deep"), QByteArray("shipped")));
+    writeAll(root.filePath("own/config.xml"), "own");
+    sources.explicitDirectory = root.filePath("own");
+    EXPECT_EQ(resolve().second, "own");
 
-TEST_F(AppDirectoryTest, AnExplicitFolderWithItsOwnConfigIsLeftAsItIs) {
-    const QString chosen = root.filePath("chosen");
-    ASSERT_TRUE(QDir().mkpath(chosen));
-    writeAll(chosen + "/config.xml", "<Configuration>own</Configuration>");
-    sources.explicitDirectory = chosen;
-    const AppDirectoryResult result = resolveAppDirectory(sources);
-    ASSERT_TRUE(result.ok()) << result.error.toStdString();
-    EXPECT_EQ(readAll(result.configPath()), "<Configuration>own</Configuration>");
-}
-
-TEST_F(AppDirectoryTest, AnExplicitFolderFallsBackOnTheInstalledCopy) {
-    sources.explicitDirectory = root.filePath("chosen");
-    const AppDirectoryResult result = resolveAppDirectory(sources);
-    ASSERT_TRUE(result.ok()) << result.error.toStdString();
-    EXPECT_EQ(readAll(result.configPath()), "<Configuration>installed</Configuration>");
-}
-
-TEST_F(AppDirectoryTest, AnExplicitPathThatIsAFileIsAnError) {
     const QString file = root.filePath("plain");
     writeAll(file, "x");
     sources.explicitDirectory = file;
-    const AppDirectoryResult result = resolveAppDirectory(sources);
-    EXPECT_FALSE(result.ok());
-    EXPECT_TRUE(result.error.contains(file)) << result.error.toStdString();
+    const AppDirectoryResult r = resolveAppDirectory(sources);
+    EXPECT_FALSE(r.ok());
+    EXPECT_TRUE(r.error.contains(file)) << r.error.toStdString();
     EXPECT_EQ(readAll(file), "x");
 }
 
-TEST(AppDirectoryArguments, AMissingFolderAfterTheOptionIsReported) {
-    const AppDirectoryResult result = resolveAppDirectory(QStringList{"quorvel", "--app-dir"});
-    EXPECT_FALSE(result.ok());
-    EXPECT_TRUE(result.error.contains("--app-dir"));
-}
+TEST(AppDirectoryArguments, TheCommandLineIsParsedAndUsed) {
+    const AppDirectoryResult missing = resolveAppDirectory(QStringList{"quorvel", "--app-dir"});
+    EXPECT_FALSE(missing.ok());
+    EXPECT_TRUE(missing.error.contains("--app-dir"));
 
-TEST(AppDirectoryArguments, TheFolderGivenOnTheCommandLineIsUsed) {
     QTemporaryDir root;
-    ASSERT_TRUE(root.isValid());
     const QString chosen = root.filePath("chosen");
-    ASSERT_TRUE(QDir().mkpath(chosen));
     writeAll(chosen + "/config.xml", "<Configuration/>");
-    const AppDirectoryResult result =
-        resolveAppDirectory(QStringList{"quorvel", "--app-dir", chosen});
-    ASSERT_TRUE(result.ok()) << result.error.toStdString();
-    EXPECT_EQ(result.directory, chosen);
+    const AppDirectoryResult r = resolveAppDirectory(QStringList{"quorvel", "--app-dir", chosen});
+    ASSERT_TRUE(r.ok()) << r.error.toStdString();
+    EXPECT_EQ(r.directory, chosen);
 }
 
 } // namespace

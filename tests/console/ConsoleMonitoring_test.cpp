@@ -5,6 +5,8 @@ namespace {
 
 using ConsoleMonitoring = ConsoleFixture;
 
+const QString kTimeOut = QStringLiteral("Quorvel not responding (Time Out)");
+
 TEST_F(ConsoleMonitoring, ManualActionFrames) {
     struct Case {
         int row; // of ValeurSortieLogique
@@ -13,6 +15,7 @@ TEST_F(ConsoleMonitoring, ManualActionFrames) {
         const char* frame;
     };
     startWithDevice();
+    state.TimeOut = true;
     for (const Case& c : {Case{1, false, &MainScreenLogic::Activer_Click, "04 3 1 0"},
                           Case{0, false, &MainScreenLogic::Activer_Click, "04 3 0 0"},
                           Case{1, true, &MainScreenLogic::Activer_Click, "04 3 1 1"},
@@ -28,24 +31,15 @@ TEST_F(ConsoleMonitoring, ManualActionFrames) {
     }
     EXPECT_EQ(sim().outputState(), 1);
     EXPECT_TRUE(dialogs.boxes().empty());
-}
-
-TEST_F(ConsoleMonitoring, ActiverClearsTimeOutAndStartsTheShortTimer) {
-    startWithDevice();
-    state.TimeOut = true;
-    view.setCurrentRow(QStringLiteral("ValeurSortieLogique"), 1);
-    logic->Activer_Click();
-    EXPECT_EQ(host.calls, QStringList{QStringLiteral("startTest 80")});
+    // Activer clears the time-out flag and starts the short timer.
     EXPECT_FALSE(state.TimeOut);
-    EXPECT_EQ(sim().outputState(), 1);
-}
+    EXPECT_EQ(host.calls, (QStringList(3, QStringLiteral("startTest 80"))));
 
-TEST_F(ConsoleMonitoring, AManualActionToADeadDeviceShowsOneBoxAndKeepsTheControls) {
-    startWithDevice();
+    // A dead device costs one box and the controls stay as they are.
     bus.unplug(id);
     view.setChecked(QStringLiteral("ArretProgramme"), true);
     logic->ArretProgramme_Click();
-    EXPECT_EQ(boxTexts(), QStringList{QStringLiteral("Quorvel not responding (Time Out)")});
+    EXPECT_EQ(boxTexts(), QStringList{kTimeOut});
     EXPECT_TRUE(view.isChecked(QStringLiteral("ArretProgramme")));
 }
 
@@ -63,8 +57,7 @@ TEST_F(ConsoleMonitoring, TheContinuousCycleReadsLiveValuesUntilTheDeviceGoes) {
     });
     busMs += 1000;
     logic->TimerEntree_Timer();
-    EXPECT_EQ(requests(), (QStringList{QStringLiteral("F1"), QStringLiteral("V0"),
-                                       QStringLiteral("V2"), QStringLiteral("F0")}));
+    EXPECT_EQ(requests(), (QStringList{"F1", "V0", "V2", "F0"}));
     EXPECT_TRUE(host.timerEntree);
     EXPECT_TRUE(view.isChecked(QStringLiteral("Continu")));
     EXPECT_EQ(text("ValeurSortieLogique"), QStringLiteral("Open"));
@@ -73,74 +66,59 @@ TEST_F(ConsoleMonitoring, TheContinuousCycleReadsLiveValuesUntilTheDeviceGoes) {
 
     bus.unplug(id);
     logic->TimerEntree_Timer();
-    EXPECT_EQ(boxTexts(), QStringList{QStringLiteral("Quorvel not responding (Time Out)")});
+    EXPECT_EQ(boxTexts(), QStringList{kTimeOut});
     EXPECT_FALSE(host.timerEntree);
     EXPECT_FALSE(view.isChecked(QStringLiteral("Continu")));
     EXPECT_FALSE(logic->busy());
-}
 
-TEST_F(ConsoleMonitoring, TheCycleJudgesByTheLastExchangeOfItsRound) {
-    struct Case {
-        int corrupted; // replies, from the round's first exchange on
-        bool keepsRunning;
-        size_t boxes;
-    };
-    // A round is four exchanges of up to three tries each. The flags are
-    // those of the last exchange, so a bad clock reply alone goes by.
-    for (const Case& c : {Case{3, true, 1}, Case{12, false, 4}}) {
-        SCOPED_TRACE(c.corrupted);
-        restart();
-        startWithDevice();
-        view.setChecked(QStringLiteral("Continu"), true);
-        logic->Continu_Click();
-        dialogs.clear();
-        bus.corruptReplies(id, c.corrupted);
-        logic->TimerEntree_Timer();
-        EXPECT_EQ(host.timerEntree, c.keepsRunning);
-        EXPECT_EQ(view.isChecked(QStringLiteral("Continu")), c.keepsRunning);
-        EXPECT_EQ(dialogs.boxes().size(), c.boxes);
-        for (const auto& box : dialogs.boxes())
-            EXPECT_EQ(box.text, QStringLiteral("Quorvel not responding (CRC error)"));
-    }
-}
-
-TEST_F(ConsoleMonitoring, TickingContinuOnADeadDeviceStartsTheTimerThatThenStops) {
-    startWithDevice();
-    bus.unplug(id);
+    // Ticking it on a dead device starts the timer, whose first tick stops it.
     view.setChecked(QStringLiteral("Continu"), true);
     logic->Continu_Click();
-    EXPECT_GT(dialogs.boxes().size(), 1u);
     EXPECT_TRUE(host.timerEntree);
     dialogs.clear();
     logic->TimerEntree_Timer();
     EXPECT_EQ(dialogs.boxes().size(), 1u);
     EXPECT_FALSE(host.timerEntree);
-    EXPECT_FALSE(view.isChecked(QStringLiteral("Continu")));
 }
 
-TEST_F(ConsoleMonitoring, UntickingContinuStopsWithoutReading) {
-    startWithDevice();
-    view.setChecked(QStringLiteral("Continu"), true);
-    logic->Continu_Click();
-    bus.clearTrace();
-    view.setChecked(QStringLiteral("Continu"), false);
-    logic->Continu_Click();
-    EXPECT_FALSE(host.timerEntree);
-    EXPECT_TRUE(requests().isEmpty());
+TEST_F(ConsoleMonitoring, TheCycleJudgesByTheLastExchangeOfItsRound) {
+    // A round is four exchanges of up to three tries each. The flags are
+    // those of the last exchange, so a bad clock reply alone goes by.
+    for (const auto& [corrupted, keepsRunning, boxes] :
+         {std::tuple{3, true, 1u}, std::tuple{12, false, 4u}}) {
+        SCOPED_TRACE(corrupted);
+        restart();
+        startWithDevice();
+        view.setChecked(QStringLiteral("Continu"), true);
+        logic->Continu_Click();
+        dialogs.clear();
+        bus.corruptReplies(id, corrupted);
+        logic->TimerEntree_Timer();
+        EXPECT_EQ(host.timerEntree, keepsRunning);
+        EXPECT_EQ(view.isChecked(QStringLiteral("Continu")), keepsRunning);
+        EXPECT_EQ(boxTexts(), QStringList(boxes, "Quorvel not responding (CRC error)"));
+        // Unticking stops without reading.
+        bus.clearTrace();
+        view.setChecked(QStringLiteral("Continu"), false);
+        logic->Continu_Click();
+        EXPECT_FALSE(host.timerEntree);
+        EXPECT_TRUE(requests().isEmpty());
+    }
 }
 
 TEST_F(ConsoleMonitoring, TheManualDelayBoxHoldsItsLimits) {
-    struct Case {
-        const char* typed;
-        const char* kept;
-    };
-    for (const Case& c :
-         {Case{"1", "2"}, Case{"a", "2"}, Case{"", "2"}, Case{"-5", "2"}, Case{"65536", "65535"},
-          Case{"300", "300"}, Case{"65535", "65535"}, Case{"2", "2"}, Case{"2,5", "2,5"}}) {
-        SCOPED_TRACE(c.typed);
-        view[QStringLiteral("ValeurManualAction")].text = QString::fromUtf8(c.typed);
+    for (const auto& [typed, kept] : {std::pair{"1", "2"},
+                                      {"a", "2"},
+                                      {"", "2"},
+                                      {"-5", "2"},
+                                      {"65536", "65535"},
+                                      {"300", "300"},
+                                      {"65535", "65535"},
+                                      {"2", "2"},
+                                      {"2,5", "2,5"}}) {
+        view[QStringLiteral("ValeurManualAction")].text = QString::fromUtf8(typed);
         logic->ValeurManualAction_Change();
-        EXPECT_EQ(text("ValeurManualAction"), QString::fromUtf8(c.kept));
+        EXPECT_EQ(text("ValeurManualAction"), QString::fromUtf8(kept)) << typed;
     }
 }
 

@@ -64,7 +64,7 @@ public:
     void showAbout() override { calls << QStringLiteral("showAbout"); }
     void showSplash() override { calls << QStringLiteral("showSplash"); }
     void UpdateFirmware(bool demande) override {
-        calls << QStringLiteral("UpdateFirmware %1").arg(demande ? "true" : "false");
+        calls << QStringLiteral("UpdateFirmware ") + (demande ? "true" : "false");
     }
     void closeApplication() override { calls << QStringLiteral("closeApplication"); }
 };
@@ -93,8 +93,7 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(dir.isValid());
         configPath = dir.filePath(QStringLiteral("config.xml"));
-        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath));
-        QFile::setPermissions(configPath, QFile::ReadOwner | QFile::WriteOwner);
+        copyConfig();
         link.setPause([](int) {});
         bus.setSleep([](int) {});
         busMs = pcNow.toMSecsSinceEpoch();
@@ -106,13 +105,17 @@ protected:
     // A fresh window and config.xml, the bus as it is.
     void restart() {
         QFile::remove(configPath);
-        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath));
-        QFile::setPermissions(configPath, QFile::ReadOwner | QFile::WriteOwner);
+        copyConfig();
         view = FakeConsoleView();
         declareControls();
         host = FakeHost();
         dialogs.clear();
         makeLogic();
+    }
+
+    void copyConfig() {
+        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath));
+        QFile::setPermissions(configPath, QFile::ReadOwner | QFile::WriteOwner);
     }
 
     void makeLogic() {
@@ -183,31 +186,16 @@ protected:
                 continue;
             const QByteArray b = QByteArray::fromHex(m.captured(1).toLatin1());
             const auto at = [&](int i) { return static_cast<unsigned char>(b[i]); };
-            switch (at(0)) {
-            case 0xFE:
-                names << QStringLiteral("R%1").arg(at(1) + 256 * at(2));
-                break;
-            case 0xFF:
-                names << QStringLiteral("W%1=%2").arg(at(1)).arg(at(2));
-                break;
-            case 0xFC:
-                names << QStringLiteral("V%1").arg(at(1));
-                break;
-            case 0xF3:
-                names << QStringLiteral("F3 %1 %2").arg(at(1)).arg(at(2));
-                break;
-            case 0x01:
-                names << QStringLiteral("01 option %1").arg(at(8));
-                break;
-            case 0x04:
-                names << QStringLiteral("04 %1 %2 %3").arg(at(1)).arg(at(2)).arg(at(3));
-                break;
-            case 0x1F:
-                names << QStringLiteral("1F %1").arg(at(1));
-                break;
-            default:
-                names << QStringLiteral("%1").arg(at(0), 2, 16, QLatin1Char('0')).toUpper();
-            }
+            const QMap<int, QString> forms = {
+                {0xFE, QStringLiteral("R%1").arg(at(1) + 256 * at(2))},
+                {0xFF, QStringLiteral("W%1=%2").arg(at(1)).arg(at(2))},
+                {0xFC, QStringLiteral("V%1").arg(at(1))},
+                {0xF3, QStringLiteral("F3 %1 %2").arg(at(1)).arg(at(2))},
+                {0x01, QStringLiteral("01 option %1").arg(at(8))},
+                {0x04, QStringLiteral("04 %1 %2 %3").arg(at(1)).arg(at(2)).arg(at(3))},
+                {0x1F, QStringLiteral("1F %1").arg(at(1))}};
+            names << forms.value(at(0),
+                                 QString::number(at(0), 16).rightJustified(2, '0').toUpper());
         }
         return names;
     }
@@ -238,106 +226,62 @@ protected:
     }
 
 private:
+    // The main window's controls. Captions come from config.xml at the
+    // start; only the values typed in at design time are set here.
     void declareControls() {
         using K = ConsoleView::Kind;
-        const auto add = [&](const QString& name, K kind, const QString& caption = QString()) {
-            view.add(name, kind);
-            view[name].text = caption;
+        const auto declare = [&](K kind, std::initializer_list<const char*> names) {
+            for (const char* name : names)
+                view.add(QString::fromLatin1(name), kind);
         };
-        const auto array = [&](const QString& name, int count, K kind, const QString& caption) {
-            for (int i = 0; i < count; ++i)
-                add(name + QLatin1Char('_') + QString::number(i), kind, caption);
-        };
-        add(QStringLiteral("Lire"), K::Button, QStringLiteral("Lire les paramètres"));
-        add(QStringLiteral("Ecrire"), K::Button, QStringLiteral("Ecrire les paramètres"));
-        add(QStringLiteral("Sortir"), K::Button, QStringLiteral("Quitter l'application"));
-        add(QStringLiteral("ProgressBar2"), K::ProgressBar);
-        add(QStringLiteral("ListeLangues"), K::ComboBox);
-        add(QStringLiteral("TimerEntree"), K::Other);
-        add(QStringLiteral("Timeur"), K::Other);
-        add(QStringLiteral("Com"), K::Other);
-        add(QStringLiteral("Madate"), K::DatePicker, pcNow.date().toString(Qt::ISODate));
-        add(QStringLiteral("Liste"), K::ComboBox);
-        add(QStringLiteral("Label16"), K::Label, QStringLiteral("Page"));
-        add(QStringLiteral("Label17"), K::Label, QStringLiteral("Buffer"));
-        add(QStringLiteral("Image1"), K::Other);
-
-        add(QStringLiteral("FrameInformations"), K::Frame, QStringLiteral("Informations"));
+        declare(K::Button, {"Lire", "Ecrire", "Sortir", "SetTime", "Seuilbatterie", "RazCtn",
+                            "CommandCalibrationCLK", "ForceBoot", "Programmer", "Activer"});
+        declare(K::Label, {"Label16", "Label17", "Version", "NumeroSerie", "DateProgrammation",
+                           "txtCurrentTime", "Batterie", "LabelVersion", "Label1", "Label2"});
+        declare(K::Label, {"lblCurrentTime", "LabelBatterie", "VMIN", "VMAX", "Labeldelta",
+                           "LabelManualActionDelayTime", "LabelsemaineEte_0", "LabelsemaineEte_1"});
+        declare(K::Label, {"LabelMoisEte_0", "LabelMoisEte_1", "LabelJour_0", "LabelJour_1",
+                           "Labelheure_0", "Labelheure_1", "LabelVBatMin", "LabelILS"});
+        declare(K::Label, {"Labelctn_0", "Labelctn_1", "Labelctn_2", "Labelctn_3", "Labelctn_4",
+                           "LabelCalibrationHorloge", "Label15", "NomSortie", "Message"});
+        declare(K::Frame,
+                {"FrameInformations", "FrameManualActionDelay", "DaylightFrame", "FrameWinter",
+                 "FrameSummer", "FrameMaintenance", "FrameMonitoringSorties", "FrameMessage"});
+        declare(K::ComboBox,
+                {"ListeLangues", "Liste", "Semaine_0", "Semaine_1", "Mois_0", "Mois_1", "Jour_0",
+                 "Jour_1", "Heure_0", "Heure_1", "ListeSorties", "ValeurSortieLogique"});
+        declare(K::TextBox,
+                {"ValeurManualAction", "DaylightAdjustment", "MinBat", "ctn_text_0", "ctn_text_1",
+                 "ctn_text_2", "ctn_text_3", "ctn_text_4", "Ils", "ValeurHorloge_0",
+                 "ValeurHorloge_1", "ValeurHorloge_2", "ValeurNumeroSerie"});
+        declare(K::CheckBox,
+                {"EnableDaylightSaving", "CheckClockSpeed", "Continu", "ArretProgramme"});
+        declare(K::MenuEntry, {"MnuMode", "mnurapport", "nmuBootLoad", "mnuPLC", "MnuConnect",
+                               "mnuAide_0", "mnuApropos_1"});
+        declare(K::ProgressBar, {"ProgressBar2", "ProgressBar3"});
+        declare(K::ListBox, {"ListeEntrees"});
+        declare(K::DatePicker, {"Madate"});
+        declare(K::Other, {"TimerEntree", "Timeur", "Com", "Image1", "test"});
+        // Design-time texts: what the boxes hold and what the report reads
+        // of a window never translated.
+        for (const auto& [name, value] : {std::pair{"ValeurManualAction", "2"},
+                                          {"DaylightAdjustment", "0"},
+                                          {"MinBat", "7,2"},
+                                          {"Message", "ligne de validation"},
+                                          {"LabelVersion", "Version"},
+                                          {"Label1", "N° Série"},
+                                          {"Label2", "Date de programmation"},
+                                          {"LabelBatterie", "Tension batterie (Volts)"},
+                                          {"Labeldelta", "Daylight saving adjustment (mn)"},
+                                          {"FrameSummer", "Summer"},
+                                          {"FrameWinter", "Winter"}})
+            view[QString::fromUtf8(name)].text = QString::fromUtf8(value);
         for (const char* value :
              {"Version", "NumeroSerie", "DateProgrammation", "txtCurrentTime", "Batterie"})
-            add(QString::fromLatin1(value), K::Label, QStringLiteral("--"));
-        add(QStringLiteral("LabelVersion"), K::Label, QStringLiteral("Version"));
-        add(QStringLiteral("Label1"), K::Label, QStringLiteral("N° Série"));
-        add(QStringLiteral("Label2"), K::Label, QStringLiteral("Date de programmation"));
-        add(QStringLiteral("lblCurrentTime"), K::Label, QStringLiteral("Date et heure"));
-        add(QStringLiteral("LabelBatterie"), K::Label, QStringLiteral("Tension batterie (Volts)"));
-        add(QStringLiteral("VMIN"), K::Label, QStringLiteral("Min."));
-        add(QStringLiteral("VMAX"), K::Label, QStringLiteral("Max."));
-        add(QStringLiteral("ProgressBar3"), K::ProgressBar);
-
-        add(QStringLiteral("FrameManualActionDelay"), K::Frame,
-            QStringLiteral("Manuel Action Delay"));
-        add(QStringLiteral("ValeurManualAction"), K::TextBox, QStringLiteral("2"));
-        add(QStringLiteral("LabelManualActionDelayTime"), K::Label,
-            QStringLiteral("(2...65535 secs)"));
-
-        add(QStringLiteral("DaylightFrame"), K::Frame, QStringLiteral(" Daylight Saving"));
-        add(QStringLiteral("EnableDaylightSaving"), K::CheckBox, QStringLiteral("Enable"));
-        add(QStringLiteral("FrameWinter"), K::Frame, QStringLiteral("Winter"));
-        add(QStringLiteral("FrameSummer"), K::Frame, QStringLiteral("Summer"));
-        for (const char* list : {"Semaine", "Mois", "Jour", "Heure"})
-            array(QString::fromLatin1(list), 2, K::ComboBox, QString());
-        array(QStringLiteral("LabelsemaineEte"), 2, K::Label, QStringLiteral("Week Number"));
-        array(QStringLiteral("LabelMoisEte"), 2, K::Label, QStringLiteral("Month"));
-        array(QStringLiteral("LabelJour"), 2, K::Label, QStringLiteral("Day"));
-        array(QStringLiteral("Labelheure"), 2, K::Label, QStringLiteral("Hour"));
-        add(QStringLiteral("DaylightAdjustment"), K::TextBox, QStringLiteral("0"));
-        add(QStringLiteral("Labeldelta"), K::Label,
-            QStringLiteral("Daylight saving adjustment (mn)"));
-        add(QStringLiteral("SetTime"), K::Button, QStringLiteral("Set Time"));
-
-        add(QStringLiteral("FrameMaintenance"), K::Frame, QStringLiteral("Maintenance"));
-        add(QStringLiteral("Seuilbatterie"), K::Button, QStringLiteral("Min Bat."));
-        add(QStringLiteral("MinBat"), K::TextBox, QStringLiteral("7,2"));
-        add(QStringLiteral("LabelVBatMin"), K::Label, QStringLiteral("(V)"));
-        add(QStringLiteral("RazCtn"), K::Button, QStringLiteral("Raz CPU counters"));
-        array(QStringLiteral("ctn_text"), 5, K::TextBox, QString());
-        array(QStringLiteral("Labelctn"), 5, K::Label, QString());
-        add(QStringLiteral("Ils"), K::TextBox);
-        add(QStringLiteral("LabelILS"), K::Label, QStringLiteral("ILS"));
-        add(QStringLiteral("CheckClockSpeed"), K::CheckBox, QStringLiteral("FastClock"));
-        array(QStringLiteral("ValeurHorloge"), 3, K::TextBox, QString());
-        add(QStringLiteral("LabelCalibrationHorloge"), K::Label,
-            QStringLiteral("Clock Calibration"));
-        add(QStringLiteral("CommandCalibrationCLK"), K::Button, QStringLiteral("Calibrate"));
-        add(QStringLiteral("ForceBoot"), K::Button, QStringLiteral(" Force BootLoad"));
-        add(QStringLiteral("Programmer"), K::Button, QStringLiteral("Programmer"));
-        add(QStringLiteral("ValeurNumeroSerie"), K::TextBox);
-        add(QStringLiteral("Label15"), K::Label, QStringLiteral("Saisir le N° de série"));
-        add(QStringLiteral("test"), K::Other);
-
-        add(QStringLiteral("FrameMonitoringSorties"), K::Frame,
-            QStringLiteral("Monitoring Sorties"));
-        add(QStringLiteral("NomSortie"), K::Label, QStringLiteral("Sortie"));
-        add(QStringLiteral("ListeSorties"), K::ComboBox);
-        add(QStringLiteral("ValeurSortieLogique"), K::ComboBox);
+            view[QString::fromLatin1(value)].text = QStringLiteral("--"); // until a read
+        view[QStringLiteral("Madate")].text = pcNow.date().toString(Qt::ISODate);
         view.setRows(QStringLiteral("ValeurSortieLogique"),
                      {{QStringLiteral("= 0"), 0}, {QStringLiteral("= 1"), 1}});
-        add(QStringLiteral("Activer"), K::Button, QStringLiteral("Activer"));
-        add(QStringLiteral("Continu"), K::CheckBox, QStringLiteral("Lecture en continue"));
-        add(QStringLiteral("ArretProgramme"), K::CheckBox, QStringLiteral("Arret Programme"));
-        add(QStringLiteral("ListeEntrees"), K::ListBox);
-
-        add(QStringLiteral("FrameMessage"), K::Frame, QStringLiteral("Message"));
-        add(QStringLiteral("Message"), K::Label, QStringLiteral("ligne de validation"));
-
-        add(QStringLiteral("MnuMode"), K::MenuEntry, QStringLiteral("Paramètres"));
-        add(QStringLiteral("mnurapport"), K::MenuEntry, QStringLiteral("Rapport"));
-        add(QStringLiteral("nmuBootLoad"), K::MenuEntry, QStringLiteral("Changer de version"));
-        add(QStringLiteral("mnuPLC"), K::MenuEntry, QStringLiteral("Programmation"));
-        add(QStringLiteral("MnuConnect"), K::MenuEntry, QStringLiteral("Connect"));
-        add(QStringLiteral("mnuAide_0"), K::MenuEntry, QStringLiteral("?"));
-        add(QStringLiteral("mnuApropos_1"), K::MenuEntry, QStringLiteral("A propos"));
     }
 };
 

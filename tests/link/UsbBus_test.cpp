@@ -273,13 +273,13 @@ TEST_F(UsbBusTest, TheLinkOptionChoosesTheIdTable) {
     file.write("1209:4242 interface=0 out=0x02 in=0x81\n1209:0001\n");
     file.close();
 
-    for (const auto& [spec, count] : {std::pair{QStringLiteral("usb"), 1},
-                                      {"usb:ids=" + table, 2},
-                                      {"usb:ids=" + table + ",readWaitMs=20", 2}}) {
+    for (const auto& [option, count] : {std::pair{QStringLiteral("usb"), 1},
+                                        {"usb:ids=" + table, 2},
+                                        {"usb:ids=" + table + ",readWaitMs=20", 2}}) {
         QString error;
-        auto bus = qv::makeBus(spec, &error, [](const QString&) {});
-        ASSERT_TRUE(bus) << spec.toStdString() << ": " << error.toStdString();
-        EXPECT_EQ(bus->deviceCount(), count) << spec.toStdString();
+        auto bus = qv::makeBus(option, &error, [](const QString&) {});
+        ASSERT_TRUE(bus) << option.toStdString() << ": " << error.toStdString();
+        EXPECT_EQ(bus->deviceCount(), count) << option.toStdString();
     }
     qputenv("QUORVEL_USB_IDS", table.toUtf8());
     QString error;

@@ -26,9 +26,7 @@ protected:
         return bytes;
     }
 
-    std::array<std::uint8_t, SimDevice::kEepromSize> eeprom() const {
-        return bus.device(id)->eepromBytes();
-    }
+    auto eeprom() const { return bus.device(id)->eepromBytes(); }
 
     std::int32_t id = 0;
 };
@@ -67,19 +65,14 @@ TEST_F(SimProgramme, OneLineOfEachKindLaysOutTheImageExactly) {
     EXPECT_EQ(image(139, 256), std::vector<int>(117, 0));
 }
 
-TEST_F(SimProgramme, BeginStartsAnEmptyImageOverAnOldOne) {
+TEST_F(SimProgramme, BeginStartsAnEmptyImageOverAnOldOneAndTermsAreCounted) {
     send({0x02, 0, 1});
     send({0x03, 3, 0, 7, 0, 0, 0, 0, 0, 5, 0});
     send({0x02, 0, 0});
-    EXPECT_EQ(bus.device(id)->eeprom(48), 255);
+    EXPECT_EQ(image(48, 49), std::vector<int>{255});
     EXPECT_EQ(bus.device(id)->eeprom(SimDevice::kDefaultStatesAddress), 0);
     send({0x03, 4, 0, 9, 0, 0, 0, 0, 0, 6, 0});
     EXPECT_EQ(image(48, 62), (std::vector<int>{4, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 6, 0, 255}));
-}
-
-TEST_F(SimProgramme, TermsAreCountedInTheHeader) {
-    send({0x02, 0, 0});
-    send({0x03, 3, 0, 0, 0, 0, 0, 0, 0, 0, 1});
     send({0x1F, 9, 1, 8, 0, 0});
     send({0x1F, 9, 3, 9, 0, 0});
     send({0x1F, 11, 1, 1, 6, 0, 7});
@@ -113,22 +106,19 @@ TEST_F(SimProgramme, ImageMayEndJustBeforeTheBootRequestAndNoFurther) {
     EXPECT_FALSE(bus.device(id)->inBootloader());
 }
 
-TEST_F(SimProgramme, LineThatWouldOverflowIsRefusedWholeAndLeavesTheImage) {
+// 15 lines end at 243: a 13-byte line would overflow, a 10-byte term puts
+// the mark on 253. 13 lines, two terms and a range start leave the mark on
+// 246: the 9-byte range end would put it on 255, the boot request itself.
+TEST_F(SimProgramme, BlocksThatWouldOverflowOrHitTheBootRequestAreRefusedWhole) {
     send({0x02, 0, 0});
-    for (int line = 0; line < 15; ++line) // 48 + 15 * 13 = 243
+    for (int line = 0; line < 15; ++line)
         send({0x03, 3, line, 0, 0, 0, 0, 0, 0, 1, 0});
     const auto before = eeprom();
     EXPECT_FALSE(command(id, {0x03, 3, 15, 0, 0, 0, 0, 0, 0, 1, 0}).has_value());
     EXPECT_EQ(eeprom(), before);
-    EXPECT_EQ(bus.device(id)->eeprom(243), 255);
-    // A smaller block still fits: 243 + 10 leaves the mark on 253.
     send({0x1F, 9, 1, 0, 0, 0});
     EXPECT_EQ(bus.device(id)->eeprom(253), 255);
-}
 
-// 13 lines, two terms and a range start leave the mark on 246; the range end
-// (9 bytes) would put it on 255, the boot request itself.
-TEST_F(SimProgramme, BlockThatWouldPutTheMarkOnTheBootRequestIsRefused) {
     send({0x02, 0, 0});
     for (int line = 0; line < 13; ++line)
         send({0x03, 3, line, 0, 0, 0, 0, 0, 0, 1, 1});

@@ -8,14 +8,14 @@
 
 #include <QByteArray>
 #include <QDateTime>
-#include <QTimeZone>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <optional>
 
 namespace qv::test {
 
-// A 16-byte request with its check value, the rest of the bytes zero.
+// A 16-byte request with its check value, the rest of the bytes zero. The
+// check value is computed here, not by the model's own helper.
 inline QByteArray checkedFrame(std::initializer_list<int> bytes) {
     QByteArray frame(16, '\0');
     int i = 0;
@@ -27,12 +27,6 @@ inline QByteArray checkedFrame(std::initializer_list<int> bytes) {
     return frame;
 }
 
-inline QByteArray legacyProbe() {
-    QByteArray probe(12, '\0');
-    probe[0] = static_cast<char>(0xF0);
-    return probe;
-}
-
 inline bool checkValueHolds(const QByteArray& reply) {
     return reply.size() >= 3 &&
            crc16(reinterpret_cast<const std::uint8_t*>(reply.constData()), reply.size()) == 0;
@@ -40,6 +34,12 @@ inline bool checkValueHolds(const QByteArray& reply) {
 
 inline int at(const QByteArray& bytes, int index) {
     return static_cast<std::uint8_t>(bytes.at(index));
+}
+
+inline SimDeviceConfig firmware(const char* version) {
+    SimDeviceConfig config;
+    config.firmware = *FirmwareVersion::parse(QString::fromLatin1(version));
+    return config;
 }
 
 // A bus with a hand-driven clock, so that nothing sleeps. The clock starts on
@@ -59,20 +59,24 @@ protected:
     }
 
     // One raw transfer and the read that follows; nullopt for silence.
-    std::optional<QByteArray> transfer(std::int32_t id, const QByteArray& request,
-                                       int maxLength = 64) {
+    std::optional<QByteArray> transfer(std::int32_t id, const QByteArray& request) {
         auto handle = bus.open(id);
         if (!handle || !handle->write(request))
             return std::nullopt;
-        const QByteArray reply = handle->read(maxLength);
-        if (reply.isEmpty())
-            return std::nullopt;
-        return reply;
+        const QByteArray reply = handle->read(64);
+        return reply.isEmpty() ? std::nullopt : std::optional<QByteArray>(reply);
     }
 
     std::optional<QByteArray> command(std::int32_t id, std::initializer_list<int> bytes) {
         return transfer(id, checkedFrame(bytes));
     }
+    // The reply's first payload byte, -1 for silence.
+    int answer(std::int32_t id, std::initializer_list<int> bytes) {
+        const auto reply = command(id, bytes);
+        return reply && reply->size() > 1 ? at(*reply, 1) : -1;
+    }
+    // The device's clock as the 0xF1 reply shows it: day, month, year, h, m, s.
+    QByteArray clock(std::int32_t id) { return command(id, {0xF1}).value_or("").mid(1, 6); }
 
     qint64 nowMs = 0;
     SimulatedBus bus;
@@ -90,9 +94,8 @@ protected:
     std::optional<Bytes> exchange(std::int32_t id, const Bytes& request, int n) {
         Bytes reply;
         std::int16_t length = static_cast<std::int16_t>(n);
-        const bool ok = link.EchangeUsb(id, request, 16, reply, length, QStringLiteral("Absent"),
-                                        false, QString());
-        if (!ok)
+        if (!link.EchangeUsb(id, request, 16, reply, length, QStringLiteral("Absent"), false,
+                             QString()))
             return std::nullopt;
         return reply;
     }
