@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/ConfigDocument.h"
+
 #include <QString>
 #include <QStringList>
 #include <vector>
@@ -80,6 +82,10 @@ public:
 // The key of a control: its name without the array index ("Labelctn_2" ->
 // "Labelctn").
 QString controlKey(const QString& controlName);
+// The rows of a document list as a list control holds them: each row at the
+// position its Index gives.
+std::vector<ConsoleView::Row> toRows(const std::vector<ListRow>& listRows);
+
 // "ctn_text", 3 -> "ctn_text_3".
 QString arrayMember(const QString& arrayName, int index);
 

@@ -67,18 +67,6 @@ const QStringList kBatteryControls = {QStringLiteral("LabelBatterie"), QStringLi
                                       QStringLiteral("ProgressBar3"), QStringLiteral("VMIN"),
                                       QStringLiteral("VMAX")};
 
-std::vector<ConsoleView::Row> toRows(const std::vector<ListRow>& listRows) {
-    // Rows go where their Index puts them; the document keeps them in order.
-    std::vector<ConsoleView::Row> rows;
-    for (const ListRow& r : listRows) {
-        const auto at = static_cast<size_t>(std::max(0, r.position));
-        if (rows.size() <= at)
-            rows.resize(at + 1);
-        rows[at] = {r.text, r.itemData};
-    }
-    return rows;
-}
-
 QString hexByte(int value) {
     return QStringLiteral("%1 ").arg(value, 2, 16, QLatin1Char('0')).toUpper();
 }

@@ -63,18 +63,6 @@ public:
 
 enum class Part { Hour, Minute, Second };
 
-std::vector<ConsoleView::Row> toRows(const std::vector<ListRow>& listRows) {
-    // Rows go where their Index puts them; the document keeps them in order.
-    std::vector<ConsoleView::Row> rows;
-    for (const ListRow& r : listRows) {
-        const auto at = static_cast<size_t>(std::max(0, r.position));
-        if (rows.size() <= at)
-            rows.resize(at + 1);
-        rows[at] = {r.text, r.itemData};
-    }
-    return rows;
-}
-
 bool hasCaption(ConsoleView::Kind kind) {
     using K = ConsoleView::Kind;
     return kind == K::Button || kind == K::Label || kind == K::CheckBox || kind == K::Frame ||
