@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <algorithm>
+#include <exception>
 
 namespace qv {
 
@@ -21,6 +22,26 @@ std::vector<ConsoleView::Row> toRows(const std::vector<ListRow>& listRows) {
         rows[at] = {r.text, r.itemData};
     }
     return rows;
+}
+
+void translateCaptions(ConsoleView& view, ConfigDocument& config, const QString& langue,
+                       CaptionWalk walk) {
+    using K = ConsoleView::Kind;
+    for (const ConsoleView::Control& control : view.controls()) {
+        const QString key = controlKey(control.name);
+        if (key == QLatin1String("Message"))
+            continue;
+        const K k = control.kind;
+        const bool translated = k == K::Button || k == K::Label || k == K::CheckBox ||
+                                k == K::Frame || k == K::MenuEntry ||
+                                (walk == CaptionWalk::EveryCaption && k == K::OptionButton);
+        if (!translated)
+            continue;
+        try {
+            view.setText(control.name, config.LitMessage(langue, key, view.text(control.name)));
+        } catch (const std::exception&) {
+        }
+    }
 }
 
 QString arrayMember(const QString& arrayName, int index) {

@@ -86,6 +86,17 @@ QString controlKey(const QString& controlName);
 // position its Index gives.
 std::vector<ConsoleView::Row> toRows(const std::vector<ListRow>& listRows);
 
+// Which controls a translation walk gives their caption: the main window
+// translates buttons, labels, check boxes, frames and menu entries; the other
+// forms every control that has a caption, option buttons too.
+enum class CaptionWalk { MainWindow, EveryCaption };
+
+// Sets each caption from config.xml, keyed by the control's name with its
+// present caption as default. A control that cannot be translated leaves the
+// others be; "Message" belongs to the running dialogue and is passed over.
+void translateCaptions(ConsoleView& view, ConfigDocument& config, const QString& langue,
+                       CaptionWalk walk);
+
 // "ctn_text", 3 -> "ctn_text_3".
 QString arrayMember(const QString& arrayName, int index);
 

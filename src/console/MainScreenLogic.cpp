@@ -696,25 +696,7 @@ void MainScreenLogic::ChangeTextes(const QString& langueDemandee, bool init) {
             }
         }
 
-        for (const ConsoleView::Control& control : view_.controls()) {
-            const QString key = controlKey(control.name);
-            if (key == QLatin1String("Message"))
-                continue;
-            switch (control.kind) {
-            case ConsoleView::Kind::Button:
-            case ConsoleView::Kind::Label:
-            case ConsoleView::Kind::CheckBox:
-            case ConsoleView::Kind::Frame:
-            case ConsoleView::Kind::MenuEntry:
-                skipOnError([&] {
-                    view_.setText(control.name, config_.LitMessage(langueDemandee, key,
-                                                                   view_.text(control.name)));
-                });
-                break;
-            default:
-                break;
-            }
-        }
+        translateCaptions(view_, config_, langueDemandee, CaptionWalk::MainWindow);
 
         for (int i = 0; i < Address::CounterCount; ++i)
             view_.setText(

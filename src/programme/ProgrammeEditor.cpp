@@ -63,12 +63,6 @@ public:
 
 enum class Part { Hour, Minute, Second };
 
-bool hasCaption(ConsoleView::Kind kind) {
-    using K = ConsoleView::Kind;
-    return kind == K::Button || kind == K::Label || kind == K::CheckBox || kind == K::Frame ||
-           kind == K::OptionButton || kind == K::MenuEntry;
-}
-
 // A text box read as a 16-bit integer, rounded half to even.
 std::int16_t entier(const QString& text, const QLocale& locale) {
     const auto value = parseLocaleNumber(text, locale);
@@ -251,14 +245,7 @@ void ProgrammeEditor::Form_Load() {
 
 void ProgrammeEditor::ChangeTextes(const QString& langue, bool init) {
     Q_UNUSED(init)
-    for (const ConsoleView::Control& control : view_.controls()) {
-        if (control.name == kMessage || !hasCaption(control.kind))
-            continue;
-        skip([&] {
-            view_.setText(control.name, config_.LitMessage(langue, controlKey(control.name),
-                                                           view_.text(control.name)));
-        });
-    }
+    translateCaptions(view_, config_, langue, CaptionWalk::EveryCaption);
     skip([&] { view_.setText(kFrameSortie, config_.LitMessage(langue, kFrameSortie, QString())); });
     skip([&] {
         view_.setText(kFrameCondition, config_.LitMessage(langue, kFrameCondition, QString()));

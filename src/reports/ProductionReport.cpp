@@ -121,26 +121,7 @@ void ProductionReport::Form_Load() {
 }
 
 void ProductionReport::ChangeTextes(const QString& langueDemandee) {
-    for (const ConsoleView::Control& control : form_.controls()) {
-        switch (control.kind) {
-        case ConsoleView::Kind::Button:
-        case ConsoleView::Kind::Label:
-        case ConsoleView::Kind::CheckBox:
-        case ConsoleView::Kind::Frame:
-        case ConsoleView::Kind::MenuEntry:
-        case ConsoleView::Kind::OptionButton:
-            // One control that cannot be translated leaves the others be.
-            try {
-                form_.setText(control.name,
-                              config_.LitMessage(langueDemandee, controlKey(control.name),
-                                                 form_.text(control.name)));
-            } catch (const std::exception&) {
-            }
-            break;
-        default:
-            break;
-        }
-    }
+    translateCaptions(form_, config_, langueDemandee, CaptionWalk::EveryCaption);
 }
 
 void ProductionReport::PrintReport_Click() {
