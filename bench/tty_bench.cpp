@@ -4,7 +4,7 @@
 // the two 10 ms pauses of the link; the target is under 21 ms.
 #include "device/Device.h"
 #include "link/FrameLink.h"
-#include "link/backends/BusFactory.h"
+#include "linkoption/BusFactory.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -3,16 +3,17 @@
 #include "SimOptions.h"
 #include "SimulatedBus.h"
 #include "config/DateHelpers.h"
-#include "device/widgets/ConnectWindow.h"
-#include "link/backends/BusFactory.h"
+#include "console/widgets/ConnectWindow.h"
+#include "linkoption/BusFactory.h"
 #include "programme/ProgrammeDownload.h"
-#include "programme/widgets/ProgrammationWindow.h"
+#include "ProgrammationOpener.h"
 #include "reports/widgets/ProductionWindow.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPointer>
 #include <QTimer>
 #include <cstdio>
 
@@ -253,7 +254,7 @@ bool Launch::prepareBus(QString* error, QString* warning) {
         }
         simulated_ = dynamic_cast<SimulatedBus*>(bus_.get());
     }
-    responsive_ = std::make_unique<ResponsiveBus>(*bus_);
+    releasable_ = std::make_unique<ReleasableBus>(*bus_);
     return true;
 }
 
@@ -262,22 +263,32 @@ QString Launch::appDirectory() const {
 }
 
 MainScreenWindow& Launch::makeWindow() {
-    link_ = std::make_unique<FrameLink>(*responsive_, *dialogsInUse_, state_);
-    makePauseResponsive(*link_);
+    bridge_ = std::make_unique<UiBridge>(QCoreApplication::instance());
+    // Real boxes come without a local event loop; the boxes of tests answer
+    // at once on this thread.
+    auto* presenter = dialogsInUse_ == &dialogs_ ? &dialogs_ : nullptr;
+    deviceDialogs_ = std::make_unique<MarshalledDialogs>(*bridge_, *dialogsInUse_, presenter);
+    deviceFileDialog_ = std::make_unique<MarshalledFileDialog>(*bridge_, *fileDialogInUse_);
+    link_ = std::make_unique<FrameLink>(*releasable_, *deviceDialogs_, state_);
     device_ = std::make_unique<Device>(*link_, [this] {
         return window_ ? window_->logic().message(QStringLiteral("Quorvel Absent"))
                        : QStringLiteral("Quorvel Absent");
     });
-    window_ = std::make_unique<MainScreenWindow>(*device_, *config_, conditions_, *dialogsInUse_);
+    worker_ = std::make_unique<DeviceWorker>();
+    window_ = std::make_unique<MainScreenWindow>(*device_, *config_, conditions_, *deviceDialogs_,
+                                                 *worker_, *bridge_);
+    window_->setDeviceRelease([this] { releasable_->release(); });
     dialogs_.setParent(window_.get());
 
     installProgrammationEditor(*window_, *config_, conditions_);
     installProductionReport(*window_, *config_, *fileDialogInUse_);
     // The same update from the menu (which asks first) and from the
-    // connection list's upgrade line (which has asked already).
+    // connection list's upgrade line (which has asked already); it runs on
+    // the device thread, which owns the device state it lets go of.
     loader_ = std::make_unique<NativeLoaderStarter>(appDirectory());
-    firmware_ = std::make_unique<FirmwareUpdate>(window_->view(), state_, *config_, *dialogsInUse_,
-                                                 *fileDialogInUse_, *loader_, appDirectory());
+    firmware_ = std::make_unique<FirmwareUpdate>(window_->deviceThreadView(), state_, *config_,
+                                                 *deviceDialogs_, *deviceFileDialog_, *loader_,
+                                                 appDirectory());
     window_->setFirmwareUpdater([this](bool demande) { firmware_->UpdateFirmware(demande); });
     return *window_;
 }
@@ -293,34 +304,41 @@ int runLaunch(Launch& launch, const LaunchOptions& options) {
 
     // The picture of the documentation: the first line of the connection
     // list taken, the first read made, the log area read, then the window
-    // as it stands.
+    // as it stands. Each step waits for the jobs of the one before.
     launch.dialogs().setUnattended(true);
-    window.setConnectionOverride([&window] {
-        ConnectWindow connection(
-            window.device(), window.view(), window.dialogs(),
-            [&window](const QString& key) { return window.logic().message(key); }, [](bool) {},
-            &window);
+    window.setConnectionScript([&window](ConnectWindow& connection) {
         connection.Form_Load();
-        if (connection.view().rows(QStringLiteral("ListeSorvane")).empty()) {
-            connection.ExitEtalonnage_Click();
-            return;
-        }
-        connection.view().setCurrentRow(QStringLiteral("ListeSorvane"), 0);
-        connection.ListeSorvane_Click();
+        window.afterJobs([list = QPointer<ConnectWindow>(&connection)] {
+            if (!list)
+                return;
+            if (list->view().rows(QStringLiteral("ListeSorvane")).empty()) {
+                list->ExitEtalonnage_Click();
+                return;
+            }
+            list->view().setCurrentRow(QStringLiteral("ListeSorvane"), 0);
+            list->ListeSorvane_Click();
+        });
     });
-    window.start();
-    if (!options.language.isEmpty()) {
-        window.view().setText(QStringLiteral("ListeLangues"), options.language);
-        window.logic().ListeLangues_Click();
-        window.logic().Lire_Click();
-    }
-    if (launch.device().state().bUsbConnected)
+    int status = 1;
+    window.start([&] {
+        if (!options.language.isEmpty()) {
+            window.view().setText(QStringLiteral("ListeLangues"), options.language);
+            window.post(&MainScreenLogic::ListeLangues_Click);
+            window.post(&MainScreenLogic::Lire_Click);
+        }
         window.showDumpEEPROM();
-    window.adjustSize();
-    waitResponsively(200);
-    const bool saved = window.grab().save(options.screenshot);
-    window.close();
-    return saved ? kExitOk : 1;
+        window.afterJobs([&] {
+            window.adjustSize();
+            // The last paint events before the picture.
+            QTimer::singleShot(200, &window, [&] {
+                status = window.grab().save(options.screenshot) ? kExitOk : 1;
+                window.close();
+                QApplication::quit();
+            });
+        });
+    });
+    QApplication::exec();
+    return status;
 }
 
 } // namespace qv

@@ -11,7 +11,11 @@
 #include "link/Bus.h"
 #include "link/FrameLink.h"
 #include "link/PublicState.h"
-#include "link/ResponsiveWait.h"
+#include "firmware/MarshalledFileDialog.h"
+#include "link/DeviceWorker.h"
+#include "link/ReleasableBus.h"
+#include "view/MarshalledDialogs.h"
+#include "view/UiBridge.h"
 #include "programme/Conditions.h"
 
 #include <QString>
@@ -91,6 +95,7 @@ public:
     Bus& bus() { return *bus_; }
     SimulatedBus* simulatedBus() { return simulated_; }
     Device& device() { return *device_; }
+    DeviceWorker& worker() { return *worker_; }
     MessageBoxDialogs& dialogs() { return dialogs_; }
 
 private:
@@ -100,11 +105,17 @@ private:
     std::unique_ptr<ConfigDocument> config_;
     std::unique_ptr<Bus> bus_;
     SimulatedBus* simulated_ = nullptr;
-    std::unique_ptr<ResponsiveBus> responsive_;
+    std::unique_ptr<ReleasableBus> releasable_;
     MessageBoxDialogs dialogs_;
     Dialogs* dialogsInUse_ = &dialogs_;
     QtFileDialog fileDialog_;
     FileDialog* fileDialogInUse_ = &fileDialog_;
+    // The device thread and how it reaches the windows; the link, the device
+    // and the public state below are touched by that thread alone.
+    std::unique_ptr<UiBridge> bridge_;
+    std::unique_ptr<MarshalledDialogs> deviceDialogs_;
+    std::unique_ptr<MarshalledFileDialog> deviceFileDialog_;
+    std::unique_ptr<DeviceWorker> worker_;
     PublicState state_;
     std::unique_ptr<FrameLink> link_;
     std::unique_ptr<Device> device_;

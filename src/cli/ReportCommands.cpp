@@ -2,7 +2,7 @@
 
 #include "firmware/FileDialog.h"
 #include "reports/HeadlessMainScreen.h"
-#include "reports/MapConsoleView.h"
+#include "view/MapConsoleView.h"
 #include "reports/ProductionReport.h"
 
 #include <QDir>

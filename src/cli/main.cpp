@@ -4,7 +4,7 @@
 #include "Commands.h"
 #include "Session.h"
 #include "config/AppDirectory.h"
-#include "link/backends/BusFactory.h"
+#include "linkoption/BusFactory.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>

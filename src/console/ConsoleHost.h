@@ -19,7 +19,13 @@ public:
     virtual void startTest(int intervalMs) = 0;
     virtual void stopTest() = 0;
 
-    // The connection window, modal: returns once it has closed. It decides
+    // The wait of the write cycle: runs the clicks and ticks that have come
+    // since the cycle began, or waits a moment for one. false once the
+    // program is closing: the wait then ends.
+    virtual bool runQueuedEvents() = 0;
+
+    // The connection window, for MainScreenLogic::Form_Load and
+    // MnuConnect_Click: returns once it has closed. It decides
     // the device state and the enabling of Lire, Ecrire, SetTime, mnuPLC and
     // nmuBootLoad itself; a window left without a choice sets TimeOut.
     virtual void showConnection() = 0;

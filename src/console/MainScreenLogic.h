@@ -2,6 +2,7 @@
 
 #include "link/Bytes.h"
 
+
 #include <QDateTime>
 #include <QLocale>
 #include <QString>
@@ -23,10 +24,12 @@ class Dialogs;
 // window forwards each event to the handler of the same name, and owns the
 // two timers through ConsoleHost.
 //
-// Everything runs on the user-interface thread. A handler blocks until its
-// exchanges are over, except Ecrire_Click, which waits for the device's
-// restart by yielding to the window (view.yieldToEvents()); meanwhile only
-// the timer `test` is meant to reach test_Timer().
+// The logic is single-threaded and does not know which thread runs it: the
+// window runs every handler as a job of its device thread (its view, host
+// and dialogs reach the screen from there), quorvelctl and the tests run
+// them in place. A handler returns once its exchanges are over, except that
+// Ecrire_Click, while the device restarts, lets the events that wait run
+// (host.runQueuedEvents()) until the timer `test` has counted five seconds.
 //
 // Controls are used by name (array members as "Name_N"). Changes made from
 // code raise no handler: where a change by code has always raised one (a
@@ -53,8 +56,13 @@ public:
     void setClock(std::function<QDateTime()> clock);
     void setLocale(const QLocale& locale);
 
-    // Window events.
+    // Window events. Form_Load is the whole start for a host whose
+    // showConnection() returns once the connection list has closed; a host
+    // that shows the list without waiting runs the part before it and the
+    // part after it itself (MnuConnect_Click likewise).
     void Form_Load();
+    void Form_Load_AvantConnexion();
+    void Form_Load_ApresConnexion();
     void Form_Activate();
     void Form_Unload();
     void TimerEntree_Timer();
@@ -63,6 +71,7 @@ public:
     // Menus.
     void Sortir_Click();
     void MnuConnect_Click();
+    void MnuConnect_ApresConnexion();
     void mnuPLC_Click();
     void mnurapport_Click();
     void nmuBootLoad_Click();
@@ -134,10 +143,6 @@ public:
     // then hold what came before it.
     QStringList DumpEEPROM();
 
-    // true while a handler runs its device exchanges or its wait: a
-    // TimerEntree tick that falls inside one is skipped by the window.
-    bool busy() const { return busyDepth_ > 0; }
-
     // The language in use: the text of ListeLangues.
     QString langue() const;
     // The text of `key` in the language in use.
@@ -148,7 +153,6 @@ public:
 
 private:
     struct Timekeeping;
-    class BusyScope;
 
     QDateTime now() const;
     QDate madate() const;
@@ -156,8 +160,10 @@ private:
     void untickContinu();
     void setManualDelayText(const QString& text);
     void setOutputStateRows();
-    template <typename F> void guarded(F&& action);
-    template <typename F> void skipOnError(F&& statement);
+    // Runs a handler's body; what the old program died of becomes a box.
+    void guarded(const std::function<void()>& action);
+    // Runs one statement of a sequence that passes over failing statements.
+    void skipOnError(const std::function<void()>& statement);
 
     ConsoleView& view_;
     ConsoleHost& host_;
@@ -172,7 +178,6 @@ private:
 
     bool splashMontre_ = false;
     bool aideVisible_ = false;
-    int busyDepth_ = 0;
 };
 
 } // namespace qv

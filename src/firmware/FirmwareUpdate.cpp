@@ -4,7 +4,7 @@
 #include "FirmwareCheck.h"
 #include "LoaderStarter.h"
 #include "config/ConfigDocument.h"
-#include "console/ConsoleView.h"
+#include "view/ConsoleView.h"
 #include "link/Dialogs.h"
 #include "link/PublicState.h"
 

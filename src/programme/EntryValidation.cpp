@@ -2,7 +2,7 @@
 
 #include "config/LocaleNumber.h"
 #include "config/VbFormat.h"
-#include "console/ConsoleView.h"
+#include "view/ConsoleView.h"
 
 #include <cmath>
 #include <exception>

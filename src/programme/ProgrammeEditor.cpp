@@ -3,7 +3,7 @@
 #include "config/ConfigDocument.h"
 #include "config/DateHelpers.h"
 #include "config/LocaleNumber.h"
-#include "console/ConsoleView.h"
+#include "view/ConsoleView.h"
 #include "link/Dialogs.h"
 #include "programme/Conditions.h"
 #include "programme/DefaultStates.h"

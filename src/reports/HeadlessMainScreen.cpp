@@ -5,6 +5,10 @@
 #include "device/Device.h"
 #include "programme/Conditions.h"
 
+#include <chrono>
+#include <functional>
+#include <thread>
+
 namespace qv {
 
 // Timers never tick here and there are no other windows: the connection
@@ -14,12 +18,24 @@ public:
     Host(Device& device, ConsoleView& view) : device_(device), view_(view) {}
 
     std::int32_t chosen = 1;
+    int testInterval = 0;
+    std::function<void()> testTick;
 
     void startTimerEntree() override {}
     void stopTimerEntree() override {}
     bool timerEntreeRunning() const override { return false; }
-    void startTest(int) override {}
-    void stopTest() override {}
+    void startTest(int intervalMs) override { testInterval = intervalMs; }
+    void stopTest() override { testInterval = 0; }
+    // No window and no other events: the wait of the write cycle is the
+    // timer `test` alone, ticking in real time.
+    bool runQueuedEvents() override {
+        if (testInterval <= 0)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(testInterval));
+        if (testTick)
+            testTick();
+        return true;
+    }
     void showConnection() override {
         PublicState& state = device_.state();
         state.UsbID = chosen;
@@ -134,6 +150,7 @@ HeadlessMainScreen::HeadlessMainScreen(Device& device, ConfigDocument& config, D
     declareControls(view_);
     logic_ = std::make_unique<MainScreenLogic>(view_, *host_, device, config,
                                                programme_->conditions, dialogs);
+    host_->testTick = [this] { logic_->test_Timer(); };
 }
 
 HeadlessMainScreen::~HeadlessMainScreen() = default;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MapConsoleView.h"
+#include "view/MapConsoleView.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 #include "ProductionReport.h"
 
 #include "config/ConfigDocument.h"
-#include "console/ConsoleView.h"
+#include "view/ConsoleView.h"
 #include "firmware/FileDialog.h"
 #include "link/Dialogs.h"
 #include "programme/DefaultStates.h"

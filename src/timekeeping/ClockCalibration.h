@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/ConsoleView.h"
+#include "view/ConsoleView.h"
 #include "device/Device.h"
 
 #include <QDateTime>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "config/ConfigDocument.h"
-#include "console/ConsoleView.h"
+#include "view/ConsoleView.h"
 #include "device/Device.h"
 
 #include <QLocale>

@@ -6,7 +6,7 @@
 #include "config/ConfigDocument.h"
 #include "console/widgets/MainScreenWindow.h"
 #include "device/Device.h"
-#include "device/widgets/ConnectWindow.h"
+#include "console/widgets/ConnectWindow.h"
 #include "link/FrameLink.h"
 #include "link/ResponsiveWait.h"
 #include "programme/Conditions.h"

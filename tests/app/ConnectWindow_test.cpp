@@ -1,7 +1,7 @@
 // The connection list over simulated controllers: what it lists, what a
 // choice does to the device state and to the main window's controls.
 #include "AppTestSupport.h"
-#include "FakeConsoleView.h"
+#include "view/MapConsoleView.h"
 
 #include <QListWidget>
 #include <QTest>
@@ -13,7 +13,7 @@ class ConnectTest : public ::testing::Test {
 protected:
     std::unique_ptr<SimulatedBus> bus = std::make_unique<SimulatedBus>(demoDevices());
     std::unique_ptr<LinkRig> rig = std::make_unique<LinkRig>(*bus);
-    FakeConsoleView main;
+    MapConsoleView main;
     QStringList updates;
     std::unique_ptr<ConnectWindow> window;
 

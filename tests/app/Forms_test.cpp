@@ -2,7 +2,7 @@
 // that name and be of the kind the translation walks expect; the forms must
 // be laid out so that they resize.
 #include "AppTestSupport.h"
-#include "FakeConsoleView.h"
+#include "view/MapConsoleView.h"
 #include "console/widgets/AboutWindow.h"
 #include "console/widgets/MessageBoxDialogs.h"
 #include "console/widgets/SplashWindow.h"
@@ -174,7 +174,7 @@ TEST_F(FormsTest, EveryFrameIsLaidOutSoThatTheWindowResizes) {
 TEST(ConnectForm, HasItsControls) {
     SimulatedBus bus(demoDevices());
     LinkRig rig(bus);
-    FakeConsoleView main;
+    MapConsoleView main;
     ConnectWindow window(rig.device, main, rig.dialogs, {}, {});
     expectControls(window.view(), {{"ListeSorvane", Kind::ListBox},
                                    {"ViewAll", Kind::CheckBox},

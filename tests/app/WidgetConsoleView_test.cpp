@@ -2,7 +2,7 @@
 // any ConsoleView: captions and texts by name, rows with their item data,
 // states set from code without running the operator's handlers.
 #include "AppTestSupport.h"
-#include "console/widgets/WidgetConsoleView.h"
+#include "view/widgets/WidgetConsoleView.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FakeConsoleView.h"
+#include "view/MapConsoleView.h"
 #include "RecordingDialogs.h"
 #include "SimulatedBus.h"
 #include "config/ConfigDocument.h"
@@ -83,7 +83,7 @@ protected:
     std::unique_ptr<ConfigDocument> config;
     std::unique_ptr<Device> device;
     Conditions conditions;
-    FakeConsoleView view;
+    MapConsoleView view;
     FakeHost host;
     std::unique_ptr<MainScreenLogic> logic;
     QDateTime pcNow{QDate(2026, 3, 10), QTime(14, 30, 0)};
@@ -106,7 +106,7 @@ protected:
     void restart() {
         QFile::remove(configPath);
         copyConfig();
-        view = FakeConsoleView();
+        view = MapConsoleView();
         declareControls();
         host = FakeHost();
         dialogs.clear();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FakeConsoleView.h"
+#include "view/MapConsoleView.h"
 #include "RecordingDialogs.h"
 #include "config/ConfigDocument.h"
 #include "firmware/FileDialog.h"

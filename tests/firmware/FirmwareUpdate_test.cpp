@@ -10,7 +10,7 @@ const QString kConfirmText =
 
 class FirmwareUpdateTest : public FirmwareFixture {
 protected:
-    FakeConsoleView view;
+    MapConsoleView view;
     PublicState state;
     RecordingDialogs dialogs;
     RecordingFileDialog fileDialog;

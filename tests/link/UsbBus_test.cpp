@@ -7,7 +7,7 @@
 #include "device/DeviceSelection.h"
 #include "device/Identity.h"
 #include "link/FrameLink.h"
-#include "link/backends/BusFactory.h"
+#include "linkoption/BusFactory.h"
 #include "link/backends/UsbBus.h"
 
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FakeConsoleView.h"
+#include "view/MapConsoleView.h"
 #include "ProgrammeTestSupport.h"
 #include "RecordingDialogs.h"
 #include "config/ConfigDocument.h"
@@ -19,7 +19,7 @@ namespace qv::test {
 
 // The editor's form as named values, with the pickers and colours that
 // ConsoleView has no words for.
-class FakeEditorView : public FakeConsoleView, public ProgrammationControls {
+class FakeEditorView : public MapConsoleView, public ProgrammationControls {
 public:
     void setBackground(const QString& c, std::uint32_t rgb) override { backgrounds[c] = rgb; }
     std::uint32_t background(const QString& c) const override {

@@ -22,7 +22,7 @@ public:
 // form beside it.
 class ProductionReportTest : public ConsoleFixture {
 protected:
-    FakeConsoleView form;
+    MapConsoleView form;
     AnsweringFileDialog fileDialog;
     int hidden = 0;
     std::unique_ptr<ProductionReport> report;
@@ -34,7 +34,7 @@ protected:
 
     void makeReport() {
         using K = ConsoleView::Kind;
-        form = FakeConsoleView();
+        form = MapConsoleView();
         form.add(QStringLiteral("LabelNumeroCommande"), K::Label);
         form[QStringLiteral("LabelNumeroCommande")].text = QStringLiteral("N° de commande");
         form.add(QStringLiteral("Commande"), K::TextBox);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "../device/DeviceTestSupport.h"
-#include "FakeConsoleView.h"
+#include "view/MapConsoleView.h"
 #include "config/ConfigDocument.h"
 
 #include <QFile>
@@ -16,7 +16,7 @@ protected:
     QTemporaryDir dir;
     QString configPath;
     std::unique_ptr<ConfigDocument> config;
-    FakeConsoleView view;
+    MapConsoleView view;
     std::int32_t id = 0;
 
     void SetUp() override {

@@ -2,24 +2,37 @@
 
 #include "AboutWindow.h"
 #include "Brand.h"
+#include "ConnectWindow.h"
 #include "SplashWindow.h"
 #include "device/Device.h"
-#include "device/widgets/ConnectWindow.h"
+#include "device/MemoryMap.h"
+#include "link/DeviceWorker.h"
 #include "link/Dialogs.h"
 #include "ui_MainScreen.h"
+#include "view/UiBridge.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QFontDatabase>
+#include <QProgressBar>
+#include <QStatusBar>
 #include <QStyle>
 #include <QTextDocument>
 
 namespace qv {
 
+namespace {
+const QString kTimerEntree = QStringLiteral("TimerEntree");
+const QString kTest = QStringLiteral("test");
+// How long the write cycle's wait sleeps when nothing comes.
+constexpr int kQueuedEventsWaitMs = 20;
+} // namespace
+
 MainScreenWindow::MainScreenWindow(Device& device, ConfigDocument& config, Conditions& conditions,
-                                   Dialogs& dialogs, QWidget* parent)
-    : QMainWindow(parent), ui_(std::make_unique<Ui::MainScreen>()), view_(this), device_(device),
-      config_(config), dialogs_(dialogs) {
+                                   Dialogs& dialogs, DeviceWorker& worker, UiBridge& bridge,
+                                   QWidget* parent)
+    : QMainWindow(parent), ui_(std::make_unique<Ui::MainScreen>()), widgets_(this),
+      marshalled_(bridge, widgets_), device_(device), config_(config), dialogs_(dialogs),
+      worker_(worker), bridge_(bridge) {
     ui_->setupUi(this);
     setWindowIcon(applicationIcon());
     ui_->Image1->setPixmap(brandStrip(40, devicePixelRatioF()));
@@ -36,23 +49,58 @@ MainScreenWindow::MainScreenWindow(Device& device, ConfigDocument& config, Condi
         2 * static_cast<int>(ui_->JournalEEPROM->document()->documentMargin()));
     ui_->JournalEEPROM->setMinimumHeight(metrics.lineSpacing() * 8);
 
-    TimerEntree.setObjectName(QStringLiteral("TimerEntree"));
+    // The device thread at work: a bar that moves while a job runs.
+    activity_ = new QProgressBar(this);
+    activity_->setObjectName(QStringLiteral("Activite"));
+    activity_->setProperty("consoleKind", QStringLiteral("Other"));
+    activity_->setRange(0, 0);
+    activity_->setMaximumWidth(120);
+    activity_->setTextVisible(false);
+    activity_->hide();
+    statusBar()->addPermanentWidget(activity_);
+
+    TimerEntree.setObjectName(kTimerEntree);
     TimerEntree.setInterval(1000);
-    test.setObjectName(QStringLiteral("test"));
+    test.setObjectName(kTest);
     // Timeur stands on the form and has never had anything to do.
     Timeur.setObjectName(QStringLiteral("Timeur"));
 
-    logic_ = std::make_unique<MainScreenLogic>(view_, *this, device, config, conditions, dialogs);
+    logic_ = std::make_unique<MainScreenLogic>(marshalled_, *this, device, config, conditions,
+                                               dialogs);
+    worker_.setActivityObserver(
+        [this](bool busy) { bridge_.post([this, busy] { showActivity(busy); }); });
     wire();
 }
 
-MainScreenWindow::~MainScreenWindow() = default;
+MainScreenWindow::~MainScreenWindow() {
+    // The jobs refer to this window: none may outlive it.
+    if (!closing_) {
+        closing_ = true;
+        bridge_.close();
+        if (releaseDevice_)
+            releaseDevice_();
+        worker_.stop([this] { logic_->Form_Unload(); });
+    }
+    worker_.setActivityObserver({});
+}
+
+void MainScreenWindow::post(void (MainScreenLogic::*handler)()) {
+    worker_.post([this, handler] { ((*logic_).*handler)(); });
+}
+
+void MainScreenWindow::afterJobs(std::function<void()> work) {
+    worker_.post([this, work = std::move(work)] { bridge_.post(work); });
+}
+
+void MainScreenWindow::postTick(const QString& timer, void (MainScreenLogic::*handler)()) {
+    worker_.postTick(timer, [this, handler] { ((*logic_).*handler)(); });
+}
 
 void MainScreenWindow::wire() {
     using L = MainScreenLogic;
     const auto click = [this](QAbstractButton* button, void (L::*handler)()) {
         // `clicked` is the operator's alone: a state set from code stays quiet.
-        connect(button, &QAbstractButton::clicked, this, [this, handler] { handle(handler); });
+        connect(button, &QAbstractButton::clicked, this, [this, handler] { post(handler); });
     };
     click(ui_->Lire, &L::Lire_Click);
     click(ui_->Ecrire, &L::Ecrire_Click);
@@ -71,123 +119,152 @@ void MainScreenWindow::wire() {
     connect(ui_->LireJournal, &QAbstractButton::clicked, this, [this] { showDumpEEPROM(); });
 
     const auto menu = [this](QAction* action, void (L::*handler)()) {
-        connect(action, &QAction::triggered, this, [this, handler] { handle(handler); });
+        connect(action, &QAction::triggered, this, [this, handler] { post(handler); });
     };
-    menu(ui_->MnuConnect, &L::MnuConnect_Click);
     menu(ui_->mnuPLC, &L::mnuPLC_Click);
     menu(ui_->mnurapport, &L::mnurapport_Click);
     menu(ui_->nmuBootLoad, &L::nmuBootLoad_Click);
     menu(ui_->mnuApropos_1, &L::mnuApropos_Click);
+    // The list opens once the jobs asked for before it are over, and the
+    // read that may follow is a job of its own.
+    connect(ui_->MnuConnect, &QAction::triggered, this, [this] {
+        afterJobs([this] { openConnection([this] { post(&L::MnuConnect_ApresConnexion); }); });
+    });
 
     connect(ui_->ListeLangues, &QComboBox::activated, this,
-            [this] { handle(&L::ListeLangues_Click); });
+            [this] { post(&L::ListeLangues_Click); });
     connect(ui_->ValeurManualAction, &QLineEdit::textEdited, this,
-            [this] { handle(&L::ValeurManualAction_Change); });
+            [this] { post(&L::ValeurManualAction_Change); });
 
-    connect(&TimerEntree, &QTimer::timeout, this, [this] { onTimerEntree(); });
-    // The wait of the write cycle runs inside a handler and needs these
-    // ticks, so they are never held back.
-    connect(&test, &QTimer::timeout, this, [this] { logic_->test_Timer(); });
+    connect(&TimerEntree, &QTimer::timeout, this,
+            [this] { postTick(kTimerEntree, &L::TimerEntree_Timer); });
+    connect(&test, &QTimer::timeout, this, [this] { postTick(kTest, &L::test_Timer); });
 }
 
-void MainScreenWindow::handle(void (MainScreenLogic::*handler)()) {
-    if (logic_->busy() || windowBusy_ > 0)
-        return;
-    ((*logic_).*handler)();
+void MainScreenWindow::start(std::function<void()> started) {
+    using L = MainScreenLogic;
+    post(&L::Form_Load_AvantConnexion);
+    afterJobs([this, started = std::move(started)]() mutable {
+        openConnection([this, started = std::move(started)]() mutable {
+            post(&L::Form_Load_ApresConnexion);
+            afterJobs([this, started = std::move(started)]() mutable {
+                // The window shows once the start is over, then activates.
+                loaded_ = true;
+                if (!isVisible())
+                    show();
+                post(&L::Form_Activate);
+                if (started)
+                    afterJobs(std::move(started));
+            });
+        });
+    });
 }
 
-void MainScreenWindow::onTimerEntree() {
-    // A tick that falls inside a running sequence (a box of the link, the
-    // wait of an exchange) is skipped: exchanges never interleave.
-    if (logic_->busy() || windowBusy_ > 0)
-        return;
-    logic_->TimerEntree_Timer();
+void MainScreenWindow::openConnection(std::function<void()> afterClose) {
+    auto* window = new ConnectWindow(
+        device_, marshalled_, dialogs_, [this](const QString& key) { return logic_->message(key); },
+        [this](bool demande) { UpdateFirmware(demande); }, this, &worker_, &bridge_);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setWindowModality(Qt::ApplicationModal);
+    connect(window, &QDialog::finished, this, [this, afterClose = std::move(afterClose)] {
+        if (!closing_ && afterClose)
+            afterClose();
+    });
+    if (connectionScript_)
+        connectionScript_(*window);
+    window->show();
 }
 
-void MainScreenWindow::start() {
-    // The whole start is one sequence for the operator: hourglass, except
-    // over the connection list, which takes it back while it waits for a
-    // choice.
-    view_.setBusyCursor(true);
-    logic_->Form_Load();
-    view_.setBusyCursor(false);
-    loaded_ = true;
-    if (!isVisible())
-        show();
-    logic_->Form_Activate();
+void MainScreenWindow::showActivity(bool busy) {
+    activity_->setVisible(busy);
+    if (busy)
+        setCursor(Qt::BusyCursor);
+    else
+        unsetCursor();
 }
 
 void MainScreenWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow() && loaded_ && !closing_)
-        logic_->Form_Activate();
+        post(&MainScreenLogic::Form_Activate);
 }
 
 void MainScreenWindow::closeEvent(QCloseEvent* event) {
-    if (logic_->busy() || windowBusy_ > 0) {
-        // The sequence under way owns the link; the window goes when it ends.
-        event->ignore();
-        return;
+    if (!closing_) {
+        // Nothing may wait for this thread from here on, the sequence under
+        // way ends at its next exchange, and the link is closed once more
+        // on the device thread before it ends.
+        closing_ = true;
+        TimerEntree.stop();
+        test.stop();
+        bridge_.close();
+        if (releaseDevice_)
+            releaseDevice_();
+        worker_.stop([this] { logic_->Form_Unload(); });
     }
-    closing_ = true;
-    TimerEntree.stop();
-    test.stop();
-    logic_->Form_Unload();
     event->accept();
 }
 
 void MainScreenWindow::showDumpEEPROM() {
-    if (logic_->busy() || windowBusy_ > 0)
-        return;
-    ++windowBusy_;
-    view_.setBusyCursor(true);
-    const QStringList lines = logic_->DumpEEPROM();
-    QStringList numbered;
-    for (int i = 0; i < lines.size(); ++i)
-        numbered << QStringLiteral("%1  %2").arg(256 + 16 * i, 3, 10).arg(lines[i].trimmed());
-    ui_->JournalEEPROM->setPlainText(numbered.join(QLatin1Char('\n')));
-    view_.setBusyCursor(false);
-    --windowBusy_;
+    worker_.post([this] {
+        if (!device_.state().bUsbConnected)
+            return;
+        const QStringList lines = logic_->DumpEEPROM();
+        QStringList numbered;
+        for (int i = 0; i < lines.size(); ++i)
+            numbered << QStringLiteral("%1  %2")
+                            .arg(Address::LogArea + 16 * i, 3, 10)
+                            .arg(lines[i].trimmed());
+        bridge_.post([this, text = numbered.join(QLatin1Char('\n'))] {
+            ui_->JournalEEPROM->setPlainText(text);
+        });
+    });
 }
 
 // ------------------------------------------------------------ ConsoleHost
 
+void MainScreenWindow::restartTimer(QTimer& timer, int intervalMs) {
+    bridge_.call([&] {
+        // A tick that waits belongs to the timer as it was.
+        if (intervalMs > 0)
+            timer.start(intervalMs);
+        else
+            timer.stop();
+        worker_.dropTick(timer.objectName());
+    });
+}
+
 void MainScreenWindow::startTimerEntree() {
-    TimerEntree.start();
+    restartTimer(TimerEntree, TimerEntree.interval());
 }
 
 void MainScreenWindow::stopTimerEntree() {
-    TimerEntree.stop();
+    restartTimer(TimerEntree, 0);
 }
 
 bool MainScreenWindow::timerEntreeRunning() const {
-    return TimerEntree.isActive();
+    bool running = false;
+    bridge_.call([&] { running = TimerEntree.isActive(); });
+    return running;
 }
 
 void MainScreenWindow::startTest(int intervalMs) {
-    test.start(intervalMs);
+    restartTimer(test, intervalMs);
 }
 
 void MainScreenWindow::stopTest() {
-    test.stop();
+    restartTimer(test, 0);
+}
+
+bool MainScreenWindow::runQueuedEvents() {
+    return worker_.runQueued(kQueuedEventsWaitMs);
 }
 
 void MainScreenWindow::showConnection() {
-    if (connectOverride_) {
-        connectOverride_();
-        return;
-    }
-    // The operator picks with the arrow, whatever sequence opened the list.
-    QApplication::setOverrideCursor(Qt::ArrowCursor);
-    // The window stands behind the list from the start, already in its
-    // language, so the first read is seen to fill it.
-    if (!isVisible())
-        show();
-    ConnectWindow window(
-        device_, view_, dialogs_, [this](const QString& key) { return logic_->message(key); },
-        [this](bool demande) { UpdateFirmware(demande); }, this);
-    window.exec();
-    QApplication::restoreOverrideCursor();
+    // The window drives the list itself (start(), the Connect menu), so as
+    // not to hold the device thread while the operator chooses; a sequence
+    // that asks for it here gets the list without waiting for it.
+    bridge_.post([this] { openConnection({}); });
 }
 
 void MainScreenWindow::notInThisBuild(const QString& what) {
@@ -196,27 +273,41 @@ void MainScreenWindow::notInThisBuild(const QString& what) {
 }
 
 void MainScreenWindow::showProgrammation() {
-    if (openProgrammation_)
-        openProgrammation_();
-    else
+    if (!openProgrammation_) {
         notInThisBuild(QStringLiteral("The programme editor"));
+        return;
+    }
+    // The editor's only exchange, the default state, is made here, before
+    // the form opens, so that the form never waits for the device.
+    EditorDeviceState state;
+    state.timeOut = device_.state().TimeOut;
+    if (!state.timeOut)
+        state.defaultStateByte = device_.LitEEprom(Address::DefaultOutputStates);
+    bridge_.post([this, state] { openProgrammation_(state); });
 }
 
 void MainScreenWindow::showProduction() {
-    if (openProduction_)
-        openProduction_();
-    else
+    if (!openProduction_) {
         notInThisBuild(QStringLiteral("The production report"));
+        return;
+    }
+    bridge_.post([this] { openProduction_(); });
 }
 
 void MainScreenWindow::showAbout() {
-    AboutWindow about([this](const QString& key) { return logic_->message(key); }, this);
-    about.exec();
+    bridge_.post([this] {
+        auto* about =
+            new AboutWindow([this](const QString& key) { return logic_->message(key); }, this);
+        about->setAttribute(Qt::WA_DeleteOnClose);
+        about->open();
+    });
 }
 
 void MainScreenWindow::showSplash() {
-    auto* splash = new SplashWindow(nullptr);
-    splash->showFor(SplashWindow::kDefaultMs);
+    bridge_.post([] {
+        auto* splash = new SplashWindow(nullptr);
+        splash->showFor(SplashWindow::kDefaultMs);
+    });
 }
 
 void MainScreenWindow::UpdateFirmware(bool demande) {
@@ -227,7 +318,7 @@ void MainScreenWindow::UpdateFirmware(bool demande) {
 }
 
 void MainScreenWindow::closeApplication() {
-    close();
+    bridge_.post([this] { close(); });
 }
 
 } // namespace qv

@@ -60,16 +60,28 @@ int MessageBoxDialogs::answerFor(QMessageBox::StandardButton button) {
     }
 }
 
+int MessageBoxDialogs::closedAnswer(int style, QMessageBox::StandardButton button) {
+    // Escape and the close box give the box's own way out (Cancel, No, or
+    // the only OK); should no button come back at all, take the same.
+    if (button == QMessageBox::NoButton)
+        return (style & 7) == MsgBox::OkOnly ? MsgBox::AnswerOk : MsgBox::AnswerCancel;
+    return answerFor(button);
+}
+
+int MessageBoxDialogs::unattendedAnswer(const QString& text, const QString& title,
+                                        int style) const {
+    std::fprintf(stderr, "quorvel: [%s] %s\n",
+                 qUtf8Printable(title.isEmpty() ? QString::fromLatin1(kDefaultTitle) : title),
+                 qUtf8Printable(text));
+    const auto buttons = buttonsFor(style);
+    if (buttons == QMessageBox::Ok)
+        return MsgBox::AnswerOk;
+    return buttons.testFlag(QMessageBox::Cancel) ? MsgBox::AnswerCancel : MsgBox::AnswerNo;
+}
+
 int MessageBoxDialogs::message(const QString& text, const QString& title, int style) {
-    if (unattended_) {
-        std::fprintf(stderr, "quorvel: [%s] %s\n",
-                     qUtf8Printable(title.isEmpty() ? QString::fromLatin1(kDefaultTitle) : title),
-                     qUtf8Printable(text));
-        const auto buttons = buttonsFor(style);
-        if (buttons == QMessageBox::Ok)
-            return MsgBox::AnswerOk;
-        return buttons.testFlag(QMessageBox::Cancel) ? MsgBox::AnswerCancel : MsgBox::AnswerNo;
-    }
+    if (unattended_)
+        return unattendedAnswer(text, title, style);
     QWidget* parent = parent_ ? parent_ : QApplication::activeWindow();
     QMessageBox box(iconFor(style), title.isEmpty() ? QString::fromLatin1(kDefaultTitle) : title,
                     text, buttonsFor(style), parent);
@@ -78,11 +90,26 @@ int MessageBoxDialogs::message(const QString& text, const QString& title, int st
     QApplication::setOverrideCursor(Qt::ArrowCursor);
     const auto answer = static_cast<QMessageBox::StandardButton>(box.exec());
     QApplication::restoreOverrideCursor();
-    // Escape and the close box give the box's own way out (Cancel, No, or
-    // the only OK); should no button come back at all, take the same.
-    if (answer == QMessageBox::NoButton)
-        return (style & 7) == MsgBox::OkOnly ? MsgBox::AnswerOk : MsgBox::AnswerCancel;
-    return answerFor(answer);
+    return closedAnswer(style, answer);
+}
+
+void MessageBoxDialogs::present(const QString& text, const QString& title, int style,
+                                std::function<void(int)> answered) {
+    if (unattended_) {
+        answered(unattendedAnswer(text, title, style));
+        return;
+    }
+    QWidget* parent = parent_ ? parent_ : QApplication::activeWindow();
+    auto* box =
+        new QMessageBox(iconFor(style), title.isEmpty() ? QString::fromLatin1(kDefaultTitle) : title,
+                        text, buttonsFor(style), parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowModality(Qt::ApplicationModal);
+    box->setCursor(Qt::ArrowCursor);
+    QObject::connect(box, &QMessageBox::finished, box, [box, style, answered](int) {
+        answered(closedAnswer(style, box->standardButton(box->clickedButton())));
+    });
+    box->open();
 }
 
 } // namespace qv

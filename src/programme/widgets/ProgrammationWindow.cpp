@@ -3,8 +3,8 @@
 #include "ProgrammePrinting.h"
 #include "config/ConfigDocument.h"
 #include "console/widgets/Brand.h"
-#include "console/widgets/MainScreenWindow.h"
 #include "device/Device.h"
+#include "device/MemoryMap.h"
 #include "link/Dialogs.h"
 #include "programme/Conditions.h"
 #include "ui_Programmation.h"
@@ -75,33 +75,6 @@ void ProgrammationView::setDisplayFormat(const QString& control, const QString& 
 QString ProgrammationView::displayFormat(const QString& control) const {
     const auto* edit = qobject_cast<const QDateTimeEdit*>(find(control));
     return edit ? edit->displayFormat() : QString();
-}
-
-// ------------------------------------------------------ the main window
-
-QString MainScreenWindowAccess::langue() const {
-    return main_.view().text(QStringLiteral("ListeLangues"));
-}
-
-QString MainScreenWindowAccess::premiereLangue() const {
-    const auto rows = main_.view().rows(QStringLiteral("ListeLangues"));
-    return rows.empty() ? QString() : rows.front().text;
-}
-
-bool MainScreenWindowAccess::timeOut() const {
-    return main_.device().state().TimeOut;
-}
-
-int MainScreenWindowAccess::LitEEprom(int adresse) {
-    const QSignalBlocker noTick(&main_.timerEntree());
-    return main_.device().LitEEprom(adresse);
-}
-
-QStringList MainScreenWindowAccess::valeursSortieLogique() const {
-    QStringList words;
-    for (const auto& row : main_.view().rows(QStringLiteral("ValeurSortieLogique")))
-        words << row.text;
-    return words;
 }
 
 // ---------------------------------------------------------- the window
@@ -239,14 +212,5 @@ void ProgrammationWindow::ImprimerPdf_Click() {
         dialogs_.message(error, QStringLiteral("Quorvel"), MsgBox::Critical);
 }
 
-void installProgrammationEditor(MainScreenWindow& main, ConfigDocument& config,
-                                Conditions& conditions) {
-    main.setProgrammationOpener([&main, &config, &conditions] {
-        MainScreenWindowAccess access(main);
-        ProgrammationWindow window(access, config, conditions, main.dialogs(), &main);
-        window.load();
-        window.exec();
-    });
-}
 
 } // namespace qv

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/widgets/WidgetConsoleView.h"
+#include "view/widgets/WidgetConsoleView.h"
 #include "programme/ProgrammeEditor.h"
 
 #include <QDialog>
@@ -18,7 +18,6 @@ namespace qv {
 class ConfigDocument;
 class Conditions;
 class Dialogs;
-class MainScreenWindow;
 
 // The editor's controls by name, with the pickers whole and the colour of
 // an entry box.
@@ -38,20 +37,6 @@ public:
 // the words of its output states. A tick of the continuous read that falls
 // inside the editor's one device read is dropped, as it would be inside any
 // other sequence.
-class MainScreenWindowAccess : public MainScreenAccess {
-public:
-    explicit MainScreenWindowAccess(MainScreenWindow& main) : main_(main) {}
-
-    QString langue() const override;
-    QString premiereLangue() const override;
-    bool timeOut() const override;
-    int LitEEprom(int adresse) override;
-    QStringList valeursSortieLogique() const override;
-
-private:
-    MainScreenWindow& main_;
-};
-
 // The form Programmation: a modal dialog from Programmation.ui whose
 // controls carry the names the editor uses, and which forwards the
 // operator's own clicks, selections and edits to it. Closing it other than
@@ -104,9 +89,5 @@ private:
     QString appDir_;
 };
 
-// Makes the main window's mnuPLC open the editor, modal over it, on its
-// device, its config.xml and the programme of the run.
-void installProgrammationEditor(MainScreenWindow& main, ConfigDocument& config,
-                                Conditions& conditions);
 
 } // namespace qv

@@ -41,7 +41,7 @@ void installProductionReport(MainScreenWindow& main, ConfigDocument& config,
         if (!*form)
             *form = new ProductionWindow(main, config, fileDialog, &main);
         (*form)->load();
-        (*form)->exec();
+        (*form)->open();
     });
 }
 

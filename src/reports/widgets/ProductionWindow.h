@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/widgets/WidgetConsoleView.h"
+#include "view/widgets/WidgetConsoleView.h"
 #include "reports/ProductionReport.h"
 
 #include <QDialog>

@@ -1,20 +1,19 @@
 #pragma once
 
-#include "console/ConsoleView.h"
-
-#include <QMap>
+#include "ConsoleView.h"
+#include "UiBridge.h"
 
 namespace qv {
 
-// A window without widgets: controls as named values. It carries the console
-// logic where there is no screen (quorvelctl), so that a command sees what
-// the window would show. Unknown controls read as empty, enabled and
-// visible; a combo box's text is the text of its selected row.
-class MapConsoleView : public ConsoleView {
+// A form's view as seen from a device thread: every call runs on the
+// user-interface thread, through the bridge, and returns its result. Once
+// the bridge is closed (the window is going), setters do nothing and
+// getters answer as an empty form would.
+class MarshalledView : public ConsoleView {
 public:
-    // Declares a control with its design-time caption, so that controls()
-    // lists it and translation walks reach it.
-    void add(const QString& name, Kind kind, const QString& caption = QString());
+    MarshalledView(UiBridge& bridge, ConsoleView& inner) : bridge_(bridge), inner_(inner) {}
+
+    ConsoleView& inner() { return inner_; }
 
     void setText(const QString& control, const QString& text) override;
     QString text(const QString& control) const override;
@@ -31,26 +30,21 @@ public:
     int currentRow(const QString& control) const override;
     void setProgress(const QString& control, int minimum, int maximum, int value) override;
     int progressValue(const QString& control) const override;
-    void setToolTip(const QString&, const QString&) override {}
-    void setFocus(const QString&) override {}
-    void selectAll(const QString&) override {}
-    void setBusyCursor(bool) override {}
-    void yieldToEvents() override {}
+    void setToolTip(const QString& control, const QString& text) override;
+    void setFocus(const QString& control) override;
+    void selectAll(const QString& control) override;
+    void setBusyCursor(bool busy) override;
     std::vector<Control> controls() const override;
 
 private:
-    struct State {
-        QString text;
-        bool enabled = true;
-        bool visible = true;
-        bool checked = false;
-        std::vector<Row> rows;
-        int currentRow = -1;
-        int value = 0;
-        Kind kind = Kind::Other;
-        bool declared = false;
-    };
-    QMap<QString, State> controls_;
+    template <typename R, typename F> R get(F&& read, R fallback) const {
+        R result = std::move(fallback);
+        bridge_.call([&] { result = read(); });
+        return result;
+    }
+
+    UiBridge& bridge_;
+    ConsoleView& inner_;
 };
 
 } // namespace qv

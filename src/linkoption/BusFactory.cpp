@@ -2,8 +2,8 @@
 
 #include "SimOptions.h"
 #include "SimulatedBus.h"
-#include "TtyBus.h"
-#include "UsbBus.h"
+#include "link/backends/TtyBus.h"
+#include "link/backends/UsbBus.h"
 
 #include <QCoreApplication>
 #include <QStringList>

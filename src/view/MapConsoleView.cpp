@@ -73,11 +73,18 @@ int MapConsoleView::currentRow(const QString& control) const {
     return controls_.value(control).currentRow;
 }
 
-void MapConsoleView::setProgress(const QString& control, int, int, int value) {
-    controls_[control].value = value;
+void MapConsoleView::setProgress(const QString& control, int minimum, int maximum, int value) {
+    State& s = controls_[control];
+    s.minimum = minimum;
+    s.maximum = maximum;
+    s.value = value;
 }
 int MapConsoleView::progressValue(const QString& control) const {
     return controls_.value(control).value;
+}
+
+void MapConsoleView::setToolTip(const QString& control, const QString& text) {
+    controls_[control].toolTip = text;
 }
 
 std::vector<ConsoleView::Control> MapConsoleView::controls() const {

@@ -1,6 +1,5 @@
 #include "WidgetConsoleView.h"
 
-#include "link/ResponsiveWait.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -351,10 +350,6 @@ void WidgetConsoleView::setBusyCursor(bool busy) {
         QApplication::restoreOverrideCursor();
         --busyDepth_;
     }
-}
-
-void WidgetConsoleView::yieldToEvents() {
-    waitResponsively(kYieldMs);
 }
 
 std::vector<ConsoleView::Control> WidgetConsoleView::controls() const {

@@ -8,9 +8,10 @@
 
 namespace qv {
 
-// What the console logic needs of a window, by control name. Control arrays
-// are named "Name_N" (ctn_text_3). The logic never touches widgets: the
-// window implements this over its real controls, tests over a map.
+// What the logic of a form needs of its window, by control name. Control
+// arrays are named "Name_N" (ctn_text_3). The logic never touches widgets:
+// the window implements this over its real controls, runs without a screen
+// and tests over a map (MapConsoleView).
 class ConsoleView {
 public:
     virtual ~ConsoleView() = default;
@@ -53,9 +54,6 @@ public:
 
     // The hourglass while a sequence runs.
     virtual void setBusyCursor(bool busy) = 0;
-    // Lets the window repaint and timers tick for a moment (the legacy
-    // DoEvents); user input stays with the running handler.
-    virtual void yieldToEvents() = 0;
 
     // Every control name of the window, with its kind, for translation walks.
     enum class Kind {

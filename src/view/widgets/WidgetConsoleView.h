@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/ConsoleView.h"
+#include "view/ConsoleView.h"
 
 #include <QHash>
 #include <QPointer>
@@ -47,17 +47,12 @@ public:
     void setFocus(const QString& control) override;
     void selectAll(const QString& control) override;
     void setBusyCursor(bool busy) override;
-    void yieldToEvents() override;
     std::vector<Control> controls() const override;
 
     // The object of that name under the root (or the root), nullptr if none.
     QObject* find(const QString& control) const;
     // The kind that controls() reports for an object.
     static Kind kindOf(const QObject* object);
-
-    // How long one yieldToEvents() lets the window run. A handler that
-    // yields in a loop until a timer has ticked then costs no processor time.
-    static constexpr int kYieldMs = 10;
 
 private:
     QPointer<QWidget> root_;
