@@ -1,12 +1,12 @@
 #include "Launcher.h"
 
+#include "ProgrammationOpener.h"
 #include "SimOptions.h"
 #include "SimulatedBus.h"
 #include "config/DateHelpers.h"
 #include "console/widgets/ConnectWindow.h"
 #include "linkoption/BusFactory.h"
 #include "programme/ProgrammeDownload.h"
-#include "ProgrammationOpener.h"
 #include "reports/widgets/ProductionWindow.h"
 
 #include <QApplication>

@@ -7,16 +7,16 @@
 #include "device/Device.h"
 #include "firmware/FirmwareUpdate.h"
 #include "firmware/LoaderStarter.h"
+#include "firmware/MarshalledFileDialog.h"
 #include "firmware/widgets/QtFileDialog.h"
 #include "link/Bus.h"
+#include "link/DeviceWorker.h"
 #include "link/FrameLink.h"
 #include "link/PublicState.h"
-#include "firmware/MarshalledFileDialog.h"
-#include "link/DeviceWorker.h"
 #include "link/ReleasableBus.h"
+#include "programme/Conditions.h"
 #include "view/MarshalledDialogs.h"
 #include "view/UiBridge.h"
-#include "programme/Conditions.h"
 
 #include <QString>
 #include <QStringList>
@@ -96,6 +96,8 @@ public:
     SimulatedBus* simulatedBus() { return simulated_; }
     Device& device() { return *device_; }
     DeviceWorker& worker() { return *worker_; }
+    // The programme of the run; the device thread's while the window runs.
+    Conditions& conditions() { return conditions_; }
     MessageBoxDialogs& dialogs() { return dialogs_; }
 
 private:

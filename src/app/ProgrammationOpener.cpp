@@ -35,8 +35,7 @@ void installProgrammationEditor(MainScreenWindow& main, ConfigDocument& config,
     main.setProgrammationOpener([&main, &config, &conditions](const EditorDeviceState& device) {
         // The editor's boxes come on this thread, as real boxes.
         auto access = std::make_shared<MainScreenWindowAccess>(main, device);
-        auto* window =
-            new ProgrammationWindow(*access, config, conditions, main.dialogs(), &main);
+        auto* window = new ProgrammationWindow(*access, config, conditions, main.dialogs(), &main);
         window->setAttribute(Qt::WA_DeleteOnClose);
         QObject::connect(window, &QObject::destroyed, [access] {});
         window->load();

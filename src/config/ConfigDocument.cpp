@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <mutex>
 #include <unistd.h>
 #include <utility>
 
@@ -53,6 +54,10 @@ struct ConfigDocument::CacheEntry {
 
 struct ConfigDocument::Cache {
     using Entry = CacheEntry;
+
+    // Held by every public operation: the device thread and the windows
+    // share one document.
+    std::recursive_mutex mutex;
 
     static constexpr std::size_t capacity = 4;
     static constexpr qint64 clockSlackMs = 2000;
@@ -336,16 +341,19 @@ QDomElement ConfigDocument::select(const QDomDocument& document, const QString& 
 }
 
 QDomDocument ConfigDocument::load(const QString& fichier) const {
+    const std::lock_guard hold(cache_->mutex);
     // A copy: the caller may change it without touching the kept one.
     return current(resolve(fichier)).cloneNode(true).toDocument();
 }
 
 void ConfigDocument::save(const QDomDocument& document, const QString& fichier) const {
+    const std::lock_guard hold(cache_->mutex);
     store(document, resolve(fichier));
 }
 
 QString ConfigDocument::LitMessage(const QString& langue, const QString& index,
                                    const QString& init) {
+    const std::lock_guard hold(cache_->mutex);
     CacheEntry& kept = entry(configPath_);
     QDomDocument document = *kept.document;
 
@@ -401,6 +409,7 @@ QString ConfigDocument::LitMessage(const QString& langue, const QString& index,
 }
 
 QStringList ConfigDocument::ListeLanguesDisponibles() const {
+    const std::lock_guard hold(cache_->mutex);
     const QDomDocument document = current(configPath_);
     const QDomElement messages = childByUpperName(document.documentElement(), "MESSAGES");
     QStringList names;
@@ -424,6 +433,7 @@ QStringList ConfigDocument::ListeLanguesDisponibles() const {
 
 std::optional<std::vector<ListRow>> ConfigDocument::RemplitListe(const QString& langue,
                                                                  const QString& liste) const {
+    const std::lock_guard hold(cache_->mutex);
     const QDomDocument document = current(configPath_);
     const QDomElement listes = childByUpperName(document.documentElement(), "LISTES");
     if (listes.isNull())
@@ -463,18 +473,21 @@ std::optional<std::vector<ListRow>> ConfigDocument::RemplitListe(const QString& 
 }
 
 bool ConfigDocument::LitSplash() const {
+    const std::lock_guard hold(cache_->mutex);
     const QDomElement e = select(current(configPath_), QStringLiteral("Splash"));
     // A text that is no boolean counts as absent.
     return e.isNull() ? true : parseLegacyBoolean(e.text()).value_or(true);
 }
 
 bool ConfigDocument::LitMaintenance() const {
+    const std::lock_guard hold(cache_->mutex);
     const QDomElement e = select(current(configPath_), QStringLiteral("Maintenance"));
     return e.isNull() ? false : parseLegacyBoolean(e.text()).value_or(false);
 }
 
 std::optional<QString> ConfigDocument::LitValeurXML(const QString& index,
                                                     const QString& fichier) const {
+    const std::lock_guard hold(cache_->mutex);
     const QDomElement e = select(current(resolve(fichier)), index);
     if (e.isNull())
         return std::nullopt;
@@ -483,6 +496,7 @@ std::optional<QString> ConfigDocument::LitValeurXML(const QString& index,
 
 void ConfigDocument::EcritValeurXML(const QString& index, const QVariant& valeur,
                                     const QString& fichier) {
+    const std::lock_guard hold(cache_->mutex);
     const QString path = resolve(fichier);
     QDomDocument document = current(path);
     QDomElement e = select(document, index);
@@ -494,6 +508,7 @@ void ConfigDocument::EcritValeurXML(const QString& index, const QVariant& valeur
 
 void ConfigDocument::EcritConf(const QString& index, const QVariant& valeur,
                                const QString& fichier) {
+    const std::lock_guard hold(cache_->mutex);
     const QString path = resolve(fichier);
     QDomDocument document = current(path);
     QDomElement conf = select(document, QStringLiteral("Conf"));
@@ -521,6 +536,7 @@ void ConfigDocument::EcritConf(const QString& index, const QVariant& valeur,
 }
 
 QVariant ConfigDocument::LitConf(const QString& index, const QString& fichier) const {
+    const std::lock_guard hold(cache_->mutex);
     const QDomElement conf = select(current(resolve(fichier)), QStringLiteral("Conf"));
     // The legacy program put a 0 into its loaded copy for a missing
     // attribute, but never saved it; the kept document is left alone.
@@ -533,6 +549,7 @@ QVariant ConfigDocument::LitConf(const QString& index, const QString& fichier) c
 }
 
 void ConfigDocument::ImporteConfiguration(const QString& fichier) {
+    const std::lock_guard hold(cache_->mutex);
     QDomDocument shared = current(configPath_);
     const QDomDocument programme = load(fichier);
     QDomElement sharedRoot = shared.documentElement();

@@ -34,8 +34,8 @@ struct ListRow {
 // Parsed documents are kept between calls, and checked against the file
 // before each use (time, size, and the bytes themselves while the file is
 // too recent for its time to tell), so that a lookup does not parse the
-// whole file again. Copies of one object share what they keep. Not for use
-// from more than one thread.
+// whole file again. Copies of one object share what they keep, and one lock:
+// each operation is whole, from any thread.
 class ConfigDocument {
 public:
     explicit ConfigDocument(QString configPath);

@@ -18,8 +18,8 @@ ConnectLogic::ConnectLogic(ConsoleView& form, ConsoleView& mainScreen, Device& d
                            std::function<void(bool)> close)
     : form_(form), mainScreen_(mainScreen), device_(device), dialogs_(dialogs),
       message_(std::move(message)), updateFirmware_(std::move(updateFirmware)),
-      close_(std::move(close)), selection_(device, [this](const QString& key) { return text(key); }) {
-}
+      close_(std::move(close)),
+      selection_(device, [this](const QString& key) { return text(key); }) {}
 
 QString ConnectLogic::text(const QString& key) const {
     return message_ ? message_(key) : key;

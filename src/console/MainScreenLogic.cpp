@@ -205,7 +205,6 @@ void MainScreenLogic::mnuApropos_Click() {
     host_.showAbout();
 }
 
-
 // ------------------------------------------------------------- language
 
 void MainScreenLogic::ChangeTextes(const QString& langueDemandee, bool init) {

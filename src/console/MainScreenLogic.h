@@ -2,7 +2,6 @@
 
 #include "link/Bytes.h"
 
-
 #include <QDateTime>
 #include <QLocale>
 #include <QString>

@@ -3,9 +3,9 @@
 
 #include "ConsoleHost.h"
 #include "config/ConfigDocument.h"
+#include "config/LocaleNumber.h"
 #include "device/Device.h"
 #include "link/Dialogs.h"
-#include "config/LocaleNumber.h"
 
 namespace qv {
 
@@ -31,9 +31,7 @@ void MainScreenLogic::Activer_Click() {
 }
 
 void MainScreenLogic::ArretProgramme_Click() {
-    guarded([&] {
-        envoiManuel(255, 255);
-    });
+    guarded([&] { envoiManuel(255, 255); });
 }
 
 void MainScreenLogic::Continu_Click() {

@@ -43,19 +43,19 @@ inline const std::array<QString, Address::CounterCount> kCounterKeys = {
 // The controls that the wait after a restart takes away from the operator,
 // so that nothing can reach the device while it comes back.
 inline const std::array<QString, 10> kLockedDuringWrite = {QStringLiteral("Lire"),
-                                                    QStringLiteral("Ecrire"),
-                                                    QStringLiteral("Sortir"),
-                                                    QStringLiteral("CommandCalibrationCLK"),
-                                                    QStringLiteral("Programmer"),
-                                                    QStringLiteral("Activer"),
-                                                    QStringLiteral("Continu"),
-                                                    QStringLiteral("ArretProgramme"),
-                                                    QStringLiteral("ValeurSortieLogique"),
-                                                    QStringLiteral("SetTime")};
+                                                           QStringLiteral("Ecrire"),
+                                                           QStringLiteral("Sortir"),
+                                                           QStringLiteral("CommandCalibrationCLK"),
+                                                           QStringLiteral("Programmer"),
+                                                           QStringLiteral("Activer"),
+                                                           QStringLiteral("Continu"),
+                                                           QStringLiteral("ArretProgramme"),
+                                                           QStringLiteral("ValeurSortieLogique"),
+                                                           QStringLiteral("SetTime")};
 
-inline const QStringList kBatteryControls = {QStringLiteral("LabelBatterie"), QStringLiteral("Batterie"),
-                                      QStringLiteral("ProgressBar3"), QStringLiteral("VMIN"),
-                                      QStringLiteral("VMAX")};
+inline const QStringList kBatteryControls = {
+    QStringLiteral("LabelBatterie"), QStringLiteral("Batterie"), QStringLiteral("ProgressBar3"),
+    QStringLiteral("VMIN"), QStringLiteral("VMAX")};
 
 inline QString hexByte(int value) {
     return QStringLiteral("%1 ").arg(value, 2, 16, QLatin1Char('0')).toUpper();

@@ -3,12 +3,12 @@
 
 #include "ConsoleHost.h"
 #include "config/ConfigDocument.h"
-#include "device/Device.h"
-#include "link/Dialogs.h"
 #include "config/DateHelpers.h"
 #include "config/VbFormat.h"
+#include "device/Device.h"
 #include "device/Identity.h"
 #include "device/Packing.h"
+#include "link/Dialogs.h"
 #include "programme/ProgrammeUpload.h"
 
 namespace qv {

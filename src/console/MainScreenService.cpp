@@ -4,10 +4,10 @@
 
 #include "ConsoleHost.h"
 #include "config/ConfigDocument.h"
-#include "device/Device.h"
-#include "link/Dialogs.h"
 #include "config/LocaleNumber.h"
+#include "device/Device.h"
 #include "device/Packing.h"
+#include "link/Dialogs.h"
 
 namespace qv {
 
@@ -40,9 +40,7 @@ void MainScreenLogic::Programmer_Click() {
 }
 
 void MainScreenLogic::Seuilbatterie_Click() {
-    guarded([&] {
-        EcritSeuilBatterie();
-    });
+    guarded([&] { EcritSeuilBatterie(); });
 }
 
 void MainScreenLogic::EcritSeuilBatterie() {
@@ -105,7 +103,6 @@ QStringList MainScreenLogic::DumpEEPROM() {
     return lines;
 }
 
-
 // ---------------------------------------------------- daylight saving, clock
 
 void MainScreenLogic::EnableDaylightSaving_Click() {
@@ -113,15 +110,11 @@ void MainScreenLogic::EnableDaylightSaving_Click() {
 }
 
 void MainScreenLogic::CommandCalibrationCLK_Click() {
-    guarded([&] {
-        timekeeping_->calibration->CommandCalibrationCLK_Click();
-    });
+    guarded([&] { timekeeping_->calibration->CommandCalibrationCLK_Click(); });
 }
 
 void MainScreenLogic::CheckClockSpeed_Click() {
-    guarded([&] {
-        timekeeping_->calibration->CheckClockSpeed_Click();
-    });
+    guarded([&] { timekeeping_->calibration->CheckClockSpeed_Click(); });
 }
 
 void MainScreenLogic::DayLightSaving(bool ecriture, bool enConfiguration, bool initialisation) {

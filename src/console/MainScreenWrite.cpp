@@ -3,11 +3,11 @@
 
 #include "ConsoleHost.h"
 #include "config/ConfigDocument.h"
-#include "device/Device.h"
-#include "link/Dialogs.h"
 #include "config/LocaleNumber.h"
+#include "device/Device.h"
 #include "device/DeviceClock.h"
 #include "device/Packing.h"
+#include "link/Dialogs.h"
 #include "programme/Conditions.h"
 #include "programme/DefaultStates.h"
 #include "programme/ProgrammeDownload.h"

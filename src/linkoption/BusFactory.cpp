@@ -42,7 +42,8 @@ bool parseWait(const QString& option, const QString& value, int* out, QString* e
 std::unique_ptr<Bus> makeUsbBus(const QString& option, QString* error, BusReport report) {
     QString idsPath;
     UsbBus::Settings settings;
-    const QString options = option.mid(3).startsWith(QLatin1Char(':')) ? option.mid(4) : option.mid(3);
+    const QString options =
+        option.mid(3).startsWith(QLatin1Char(':')) ? option.mid(4) : option.mid(3);
     for (const QString& item : options.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         const QString key = item.section(QLatin1Char('='), 0, 0).trimmed();
         const QString value = item.section(QLatin1Char('='), 1).trimmed();

@@ -1,10 +1,10 @@
 #include "ProductionReport.h"
 
 #include "config/ConfigDocument.h"
-#include "view/ConsoleView.h"
 #include "firmware/FileDialog.h"
 #include "link/Dialogs.h"
 #include "programme/DefaultStates.h"
+#include "view/ConsoleView.h"
 
 #include <exception>
 

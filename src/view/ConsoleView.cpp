@@ -6,6 +6,19 @@
 
 namespace qv {
 
+std::vector<QString> ConsoleView::texts(const std::vector<QString>& controls) const {
+    std::vector<QString> result;
+    result.reserve(controls.size());
+    for (const QString& control : controls)
+        result.push_back(text(control));
+    return result;
+}
+
+void ConsoleView::setTexts(const std::vector<std::pair<QString, QString>>& textsByControl) {
+    for (const auto& [control, value] : textsByControl)
+        setText(control, value);
+}
+
 QString controlKey(const QString& controlName) {
     static const QRegularExpression arrayIndex(QStringLiteral("_\\d+$"));
     QString key = controlName;
@@ -27,21 +40,25 @@ std::vector<ConsoleView::Row> toRows(const std::vector<ListRow>& listRows) {
 void translateCaptions(ConsoleView& view, ConfigDocument& config, const QString& langue,
                        CaptionWalk walk) {
     using K = ConsoleView::Kind;
+    std::vector<QString> names;
     for (const ConsoleView::Control& control : view.controls()) {
-        const QString key = controlKey(control.name);
-        if (key == QLatin1String("Message"))
+        if (controlKey(control.name) == QLatin1String("Message"))
             continue;
         const K k = control.kind;
-        const bool translated = k == K::Button || k == K::Label || k == K::CheckBox ||
-                                k == K::Frame || k == K::MenuEntry ||
-                                (walk == CaptionWalk::EveryCaption && k == K::OptionButton);
-        if (!translated)
-            continue;
+        if (k == K::Button || k == K::Label || k == K::CheckBox || k == K::Frame ||
+            k == K::MenuEntry || (walk == CaptionWalk::EveryCaption && k == K::OptionButton))
+            names.push_back(control.name);
+    }
+    const std::vector<QString> captions = view.texts(names);
+    std::vector<std::pair<QString, QString>> translated;
+    for (size_t i = 0; i < names.size() && i < captions.size(); ++i) {
         try {
-            view.setText(control.name, config.LitMessage(langue, key, view.text(control.name)));
+            translated.emplace_back(names[i],
+                                    config.LitMessage(langue, controlKey(names[i]), captions[i]));
         } catch (const std::exception&) {
         }
     }
+    view.setTexts(translated);
 }
 
 QString arrayMember(const QString& arrayName, int index) {

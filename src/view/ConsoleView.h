@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <utility>
 #include <vector>
 
 namespace qv {
@@ -20,6 +21,10 @@ public:
     // text box; current text of a combo box.
     virtual void setText(const QString& control, const QString& text) = 0;
     virtual QString text(const QString& control) const = 0;
+    // The same for many controls at once: a window reached from another
+    // thread does them in one go.
+    virtual std::vector<QString> texts(const std::vector<QString>& controls) const;
+    virtual void setTexts(const std::vector<std::pair<QString, QString>>& textsByControl);
 
     virtual void setEnabled(const QString& control, bool enabled) = 0;
     virtual bool isEnabled(const QString& control) const = 0;

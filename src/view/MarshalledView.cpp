@@ -8,6 +8,12 @@ void MarshalledView::setText(const QString& control, const QString& text) {
 QString MarshalledView::text(const QString& control) const {
     return get([&] { return inner_.text(control); }, QString());
 }
+std::vector<QString> MarshalledView::texts(const std::vector<QString>& controls) const {
+    return get([&] { return inner_.texts(controls); }, std::vector<QString>());
+}
+void MarshalledView::setTexts(const std::vector<std::pair<QString, QString>>& textsByControl) {
+    bridge_.call([&] { inner_.setTexts(textsByControl); });
+}
 void MarshalledView::setEnabled(const QString& control, bool enabled) {
     bridge_.call([&] { inner_.setEnabled(control, enabled); });
 }

@@ -17,6 +17,8 @@ public:
 
     void setText(const QString& control, const QString& text) override;
     QString text(const QString& control) const override;
+    std::vector<QString> texts(const std::vector<QString>& controls) const override;
+    void setTexts(const std::vector<std::pair<QString, QString>>& textsByControl) override;
     void setEnabled(const QString& control, bool enabled) override;
     bool isEnabled(const QString& control) const override;
     void setVisible(const QString& control, bool visible) override;

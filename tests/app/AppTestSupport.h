@@ -4,18 +4,25 @@
 #include "RecordingDialogs.h"
 #include "SimulatedBus.h"
 #include "config/ConfigDocument.h"
+#include "console/widgets/ConnectWindow.h"
 #include "console/widgets/MainScreenWindow.h"
 #include "device/Device.h"
-#include "console/widgets/ConnectWindow.h"
+#include "link/DeviceWorker.h"
 #include "link/FrameLink.h"
-#include "link/ResponsiveWait.h"
+#include "link/ReleasableBus.h"
 #include "programme/Conditions.h"
+#include "view/MarshalledDialogs.h"
+#include "view/UiBridge.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <memory>
 #include <ostream>
+#include <thread>
 
 inline void PrintTo(const QString& text, std::ostream* out) {
     *out << '"' << text.toStdString() << '"';
@@ -36,22 +43,46 @@ inline QString scratchConfig(const QTemporaryDir& dir, bool maintenance = false)
     return path;
 }
 
-// The link over a bus as the window uses it: transfers off the window's
-// thread, pauses as waits that keep the window alive. The pause is 1 ms
-// instead of 10 to keep the tests short; the probe wait of the connection
-// list is skipped.
-class LinkRig {
+// The device side of the window as the program builds it: the device
+// thread, the bridge to this thread, the boxes marshalled to it (the
+// recorder answers them at once), the link over a bus that the window lets
+// go of when it closes. The pause is 1 ms instead of 10 to keep the tests
+// short.
+class DeviceRig {
 public:
-    explicit LinkRig(Bus& bus) : responsive(bus), link(responsive, dialogs, state) {
-        link.setPause([](int) { waitResponsively(1); });
+    explicit DeviceRig(Bus& bus) : releasable(bus), link(releasable, deviceDialogs, state) {
+        link.setPause([](int) { std::this_thread::sleep_for(std::chrono::milliseconds(1)); });
     }
 
     RecordingDialogs dialogs;
+    UiBridge bridge{QCoreApplication::instance()};
+    MarshalledDialogs deviceDialogs{bridge, dialogs};
     PublicState state;
-    ResponsiveBus responsive;
+    ReleasableBus releasable;
     FrameLink link;
     Device device{link, [] { return QStringLiteral("Quorvel Absent"); }};
+    DeviceWorker worker;
 };
+
+// Lets the window's jobs run until none is left, with the boxes and the view
+// calls they make answered on this thread. false after `timeoutMs`.
+inline bool settle(MainScreenWindow& window, int timeoutMs = 30000) {
+    QElapsedTimer clock;
+    clock.start();
+    for (;;) {
+        bool done = false;
+        window.afterJobs([&done] { done = true; });
+        while (!done) {
+            if (clock.elapsed() > timeoutMs)
+                return false;
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        }
+        // What those last events asked for in turn.
+        QCoreApplication::processEvents();
+        if (window.worker().idle())
+            return true;
+    }
+}
 
 // The main window over the demonstration controllers and a scratch
 // config.xml; the connection list takes the line `connectRow` (-1: Cancel).
@@ -59,7 +90,8 @@ class WindowFixture : public ::testing::Test {
 protected:
     QTemporaryDir dir;
     std::unique_ptr<SimulatedBus> bus = makeDemoBus(false);
-    std::unique_ptr<LinkRig> rig;
+    std::unique_ptr<DeviceRig> rig;
+    std::unique_ptr<Device> ownDevice;
     std::unique_ptr<ConfigDocument> config;
     Conditions conditions;
     std::unique_ptr<MainScreenWindow> window;
@@ -67,29 +99,58 @@ protected:
     int connections = 0;
 
     void SetUp() override { make(true); }
-
-    void make(bool maintenance) {
+    // The window and its device thread go before the link and the bus.
+    void TearDown() override {
         window.reset();
-        rig = std::make_unique<LinkRig>(*bus);
-        config = std::make_unique<ConfigDocument>(scratchConfig(dir, maintenance));
-        window = std::make_unique<MainScreenWindow>(rig->device, *config, conditions, rig->dialogs);
-        window->setConnectionOverride([this] { connect(); });
+        ownDevice.reset();
+        rig.reset();
     }
 
-    void connect() {
+    // A new window, device thread and link, over `over` instead of the bus
+    // when given; with `windowLanguage` the link's box speaks the window's
+    // language.
+    void make(bool maintenance, Bus* over = nullptr, bool windowLanguage = false) {
+        window.reset();
+        ownDevice.reset();
+        rig = std::make_unique<DeviceRig>(over ? *over : *bus);
+        config = std::make_unique<ConfigDocument>(scratchConfig(dir, maintenance));
+        if (windowLanguage)
+            ownDevice = std::make_unique<Device>(rig->link, [this] {
+                return window->logic().message(QStringLiteral("Quorvel Absent"));
+            });
+        window = std::make_unique<MainScreenWindow>(ownDevice ? *ownDevice : rig->device, *config,
+                                                    conditions, rig->deviceDialogs, rig->worker,
+                                                    rig->bridge);
+        window->setDeviceRelease([this] { rig->releasable.release(); });
+        window->setConnectionScript([this](ConnectWindow& list) { connect(list); });
+    }
+
+    // The operator's choice in the connection list, once it is filled.
+    void connect(ConnectWindow& list) {
         ++connections;
-        ConnectWindow connection(
-            window->device(), window->view(), rig->dialogs,
-            [this](const QString& key) { return window->logic().message(key); }, [](bool) {},
-            window.get());
-        connection.setProbeWait([](int) {});
-        connection.Form_Load();
-        if (connectRow < 0) {
-            connection.ExitEtalonnage_Click();
-            return;
-        }
-        connection.view().setCurrentRow(QStringLiteral("ListeSorvane"), connectRow);
-        connection.ListeSorvane_Click();
+        list.setProbeWait([](int) {});
+        list.Form_Load();
+        window->afterJobs([this, list = QPointer<ConnectWindow>(&list)] {
+            if (!list)
+                return;
+            if (connectRow < 0) {
+                list->ExitEtalonnage_Click();
+                return;
+            }
+            list->view().setCurrentRow(QStringLiteral("ListeSorvane"), connectRow);
+            list->ListeSorvane_Click();
+        });
+    }
+
+    // The start as the program makes it, waited for.
+    void startWindow() {
+        window->start();
+        ASSERT_TRUE(settle(*window));
+    }
+    // A handler run as the window runs it, waited for.
+    void run(void (MainScreenLogic::*handler)()) {
+        window->post(handler);
+        ASSERT_TRUE(settle(*window));
     }
 
     QString text(const char* control) { return window->view().text(QString::fromLatin1(control)); }

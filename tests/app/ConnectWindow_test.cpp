@@ -12,7 +12,7 @@ namespace {
 class ConnectTest : public ::testing::Test {
 protected:
     std::unique_ptr<SimulatedBus> bus = std::make_unique<SimulatedBus>(demoDevices());
-    std::unique_ptr<LinkRig> rig = std::make_unique<LinkRig>(*bus);
+    std::unique_ptr<DeviceRig> rig = std::make_unique<DeviceRig>(*bus);
     MapConsoleView main;
     QStringList updates;
     std::unique_ptr<ConnectWindow> window;
@@ -23,7 +23,7 @@ protected:
         for (const char* c : {"Lire", "Ecrire", "SetTime", "mnuPLC", "nmuBootLoad"})
             main.add(QString::fromLatin1(c), ConsoleView::Kind::Button);
         window = std::make_unique<ConnectWindow>(
-            rig->device, main, rig->dialogs,
+            rig->device, main, rig->deviceDialogs,
             [](const QString& key) { return QStringLiteral("[%1]").arg(key.trimmed()); },
             [this](bool demande) { updates << (demande ? "true" : "false"); });
         window->setProbeWait([](int) {});
@@ -100,7 +100,7 @@ TEST_F(ConnectTest, OldFirmwareShowsOnlyTheUpgradeWarningAndOffersTheUpdate) {
     auto configs = demoDevices();
     configs.front().firmware = FirmwareVersion{2, 60};
     bus = std::make_unique<SimulatedBus>(configs);
-    rig = std::make_unique<LinkRig>(*bus);
+    rig = std::make_unique<DeviceRig>(*bus);
     open();
     struct Case {
         int answer;
@@ -156,6 +156,23 @@ TEST_F(ConnectTest, TheOperatorsClickOnALineConnectsOnceShown) {
     EXPECT_EQ(window->result(), QDialog::Accepted);
     EXPECT_EQ(rig->state.UsbID, id(0));
     EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(ConnectTest, TheArrowKeysTakeALineAsAClickDoes) {
+    window->show();
+    for (int i = 0; i < 100 && lines().empty(); ++i)
+        QTest::qWait(10);
+    window->view().setChecked(QStringLiteral("ViewAll"), true);
+    window->ViewAll_Click();
+    ASSERT_EQ(lines().size(), 2u);
+    auto* list = window->findChild<QListWidget*>(QStringLiteral("ListeSorvane"));
+    list->setFocus();
+    list->setCurrentRow(0, QItemSelectionModel::NoUpdate); // where the focus leaves it
+    EXPECT_NE(window->result(), QDialog::Accepted) << "the focus alone takes nothing";
+    QTest::keyClick(list, Qt::Key_Down);
+    EXPECT_EQ(window->result(), QDialog::Accepted);
+    EXPECT_EQ(rig->state.UsbID, id(1));
+    EXPECT_TRUE(rig->state.bUsbConnected);
 }
 
 TEST_F(ConnectTest, ClosingTheWindowRunsNoneOfTheChoice) {

@@ -2,11 +2,11 @@
 // that name and be of the kind the translation walks expect; the forms must
 // be laid out so that they resize.
 #include "AppTestSupport.h"
-#include "view/MapConsoleView.h"
 #include "console/widgets/AboutWindow.h"
 #include "console/widgets/MessageBoxDialogs.h"
 #include "console/widgets/SplashWindow.h"
 #include "device/widgets/FormSelectionWindow.h"
+#include "view/MapConsoleView.h"
 
 #include <QAbstractButton>
 #include <QGroupBox>
@@ -173,7 +173,7 @@ TEST_F(FormsTest, EveryFrameIsLaidOutSoThatTheWindowResizes) {
 
 TEST(ConnectForm, HasItsControls) {
     SimulatedBus bus(demoDevices());
-    LinkRig rig(bus);
+    DeviceRig rig(bus);
     MapConsoleView main;
     ConnectWindow window(rig.device, main, rig.dialogs, {}, {});
     expectControls(window.view(), {{"ListeSorvane", Kind::ListBox},

@@ -3,6 +3,7 @@
 // back, one deleted, then written by Ecrire; the simulated controller's
 // programme image is read byte by byte.
 #include "AppTestSupport.h"
+#include "ProgrammationOpener.h"
 #include "programme/widgets/ProgrammationWindow.h"
 
 #include <QAbstractButton>
@@ -89,7 +90,7 @@ protected:
     void SetUp() override {
         WindowFixture::SetUp();
         installProgrammationEditor(*window, *config, conditions);
-        window->start();
+        startWindow();
         ASSERT_EQ(text("NumeroSerie"), QStringLiteral("90601234"));
         prg = dir.filePath(QStringLiteral("e2e.prg"));
         // The wait after the restart of Ecrire: ticks of 10 ms instead of a second.
@@ -99,7 +100,6 @@ protected:
         });
         watcher.start(2);
     }
-    void TearDown() override { window.reset(); }
 
     template <typename T> T* child(const char* name) {
         T* w = editor->findChild<T*>(QString::fromLatin1(name));
@@ -218,6 +218,8 @@ TEST_F(ProgrammeEndToEnd, SixLinesEditedSavedReadBackOneDeletedAndWrittenToTheCo
     ASSERT_NE(mnuPLC, nullptr);
     ASSERT_TRUE(mnuPLC->isEnabled());
     mnuPLC->trigger();
+    for (int i = 0; i < 2000 && !opened; ++i)
+        QTest::qWait(10);
     modal.stop();
     ASSERT_TRUE(opened) << "the editor came up modal";
     ASSERT_FALSE(HasFatalFailure());
@@ -226,6 +228,7 @@ TEST_F(ProgrammeEndToEnd, SixLinesEditedSavedReadBackOneDeletedAndWrittenToTheCo
 
     rig->dialogs.clear();
     QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("Ecrire")), Qt::LeftButton);
+    ASSERT_TRUE(settle(*window));
     ASSERT_EQ(rig->dialogs.boxes().size(), 2u) << "the question, then the end";
     EXPECT_EQ(rig->dialogs.boxes()[0].style, MsgBox::OkCancel);
 

@@ -100,7 +100,7 @@ protected:
         QTimer picker;
         QObject::connect(&picker, &QTimer::timeout, [&] {
             auto* list = qobject_cast<ConnectWindow*>(QApplication::activeModalWidget());
-            if (!list || list->EnRafraichissement())
+            if (!list)
                 return;
             const auto rows = list->view().rows(QStringLiteral("ListeSorvane"));
             if (!rows.empty()) {
@@ -113,6 +113,9 @@ protected:
         });
         picker.start(50);
         window->start();
+        while (!window->isVisible() && clock.elapsed() < 60000)
+            QTest::qWait(20);
+        ASSERT_TRUE(settle(*window));
     }
 
     QString text(const char* control) { return window->view().text(QString::fromLatin1(control)); }
@@ -171,6 +174,7 @@ TEST_F(QuorvelSimWindowTest, KilledDuringTheContinuousCycleTheCycleStopsWithTime
     ASSERT_EQ(text("NumeroSerie"), QStringLiteral("5678"));
     window->timerEntree().setInterval(20);
     window->findChild<QCheckBox*>(QStringLiteral("Continu"))->click();
+    ASSERT_TRUE(settle(*window));
     ASSERT_TRUE(window->timerEntree().isActive());
     QTimer killer;
     killAfter(killer, 30);
@@ -202,6 +206,7 @@ TEST_F(QuorvelSimWindowTest, KilledDuringAReadTheReadEndsWithTimeOut) {
     QElapsedTimer clock;
     clock.start();
     QTest::mouseClick(window->findChild<QAbstractButton*>(QStringLiteral("Lire")), Qt::LeftButton);
+    ASSERT_TRUE(settle(*window, 60000));
     ASSERT_EQ(sim.state(), QProcess::NotRunning) << "the read ended before the kill";
     EXPECT_TRUE(timedOut());
     EXPECT_LT(clock.elapsed(), 60000);

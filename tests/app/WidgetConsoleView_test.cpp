@@ -261,15 +261,5 @@ TEST_F(WidgetConsoleViewTest, BusyCursorNestsAndComesBackAsItWas) {
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(WidgetConsoleViewTest, YieldingLetsTimersTick) {
-    int ticks = 0;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
-    timer.start(1);
-    for (int i = 0; i < 5 && ticks == 0; ++i)
-        view.yieldToEvents();
-    EXPECT_GT(ticks, 0);
-}
-
 } // namespace
 } // namespace qv::test

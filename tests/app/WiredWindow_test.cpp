@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QThread>
@@ -112,23 +113,31 @@ protected:
         launch->setFileDialog(fileDialog);
         window = &launch->makeWindow();
         if (takeFirst)
-            window->setConnectionOverride([this] { takeFirstLine(); });
+            window->setConnectionScript([this](ConnectWindow& list) { takeFirstLine(list); });
     }
 
-    void takeFirstLine() {
-        ConnectWindow connection(
-            window->device(), window->view(), dialogs,
-            [this](const QString& key) { return window->logic().message(key); },
-            [this](bool demande) { window->UpdateFirmware(demande); }, window);
+    void takeFirstLine(ConnectWindow& connection) {
         connection.setProbeWait([](int) {});
         connection.Form_Load();
-        connection.view().setCurrentRow(QStringLiteral("ListeSorvane"), 0);
-        connection.ListeSorvane_Click();
+        window->afterJobs([list = QPointer<ConnectWindow>(&connection)] {
+            list->view().setCurrentRow(QStringLiteral("ListeSorvane"), 0);
+            list->ListeSorvane_Click();
+        });
+    }
+
+    // Lets the window's events and jobs run until `done` holds.
+    static bool waitFor(const std::function<bool()>& done, int timeoutMs = 20000) {
+        QElapsedTimer clock;
+        clock.start();
+        while (!done() && clock.elapsed() < timeoutMs)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        return done();
     }
 
     void startWithTheQuorvel() {
         open(LaunchOptions::Demo::Current, true);
         window->start();
+        ASSERT_TRUE(settle(*window));
         ASSERT_TRUE(launch->device().state().bUsbConnected);
         ASSERT_EQ(window->view().text(QStringLiteral("NumeroSerie")), QStringLiteral("90601234"));
     }
@@ -141,6 +150,7 @@ protected:
         ASSERT_GE(row, 0) << langue.toStdString();
         list->setCurrentIndex(row);
         Q_EMIT list->activated(row);
+        ASSERT_TRUE(settle(*window));
     }
 
     void trigger(const char* menu) {
@@ -199,7 +209,7 @@ TEST_F(WiredWindowTest, MnuPLCOpensTheEditorInTheLanguageOfTheMainWindow) {
             return true;
         });
         trigger("mnuPLC");
-        EXPECT_TRUE(editor.done()) << "the editor came up modal";
+        EXPECT_TRUE(waitFor([&] { return editor.done(); })) << "the editor came up modal";
         EXPECT_EQ(ajouter, c.ajouter);
         EXPECT_EQ(lines, 2) << "the programme the first read brought from the controller";
     }
@@ -228,6 +238,7 @@ TEST_F(WiredWindowTest, MnurapportAppendsTwoBlocksToOneLogAndKeepsTheForm) {
         // The switch gives the value captions their translation, "--": the
         // operator reads the controller again before the report.
         QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("Lire")), Qt::LeftButton);
+        ASSERT_TRUE(settle(*window));
         QString label, title;
         WhenModal<ProductionWindow> form([&](ProductionWindow& w) {
             label = w.findChild<QLabel*>(QStringLiteral("LabelNumeroCommande"))->text();
@@ -242,7 +253,7 @@ TEST_F(WiredWindowTest, MnurapportAppendsTwoBlocksToOneLogAndKeepsTheForm) {
             return true;
         });
         trigger("mnurapport");
-        ASSERT_TRUE(form.done());
+        ASSERT_TRUE(waitFor([&] { return form.done(); }));
         EXPECT_EQ(label, c.label);
         EXPECT_EQ(title, c.title);
     }
@@ -278,7 +289,7 @@ TEST_F(WiredWindowTest, ACancelledReportWritesNothingAndLeavesTheFormUp) {
         return true;
     });
     trigger("mnurapport");
-    ASSERT_TRUE(form.done());
+    ASSERT_TRUE(waitFor([&] { return form.done(); }));
     EXPECT_TRUE(stillUp);
     ASSERT_EQ(fileDialog.saved.size(), 1u);
     EXPECT_EQ(QFileInfo(fileDialog.saved[0].fileName).fileName(), QStringLiteral("report.log"));
@@ -335,7 +346,7 @@ TEST_F(WiredWindowTest, ReportFormScreenshotsInEnglishAndFrench) {
             return true;
         });
         trigger("mnurapport");
-        ASSERT_TRUE(form.done());
+        ASSERT_TRUE(waitFor([&] { return form.done(); }));
     }
 }
 
@@ -368,6 +379,7 @@ TEST_F(WiredWindowTest, NmuBootLoadHandsTheFileToTheLoaderInTheLanguageInUse) {
         dialogs.answerNext(c.answer);
 
         trigger("nmuBootLoad");
+        ASSERT_TRUE(settle(*window));
 
         ASSERT_EQ(dialogs.boxes().size(), 1u) << "one question, asked first";
         EXPECT_EQ(dialogs.boxes()[0].style, MsgBox::YesNo | MsgBox::Question);
@@ -413,7 +425,8 @@ TEST_F(WiredWindowTest, TheConnectionListsUpgradeLineStartsTheLoaderWithoutAskin
         return true;
     });
     window->start();
-    ASSERT_TRUE(list.done());
+    ASSERT_TRUE(waitFor([&] { return list.done(); }));
+    ASSERT_TRUE(settle(*window));
     EXPECT_TRUE(warning.contains(QStringLiteral("2.70"))) << warning.toStdString();
 
     ASSERT_EQ(dialogs.boxes().size(), 1u) << "the list's question alone: no second one";

@@ -64,7 +64,6 @@ TEST_F(ConsoleRead, AFullReadAsksInItsOrderAndShowsEverything) {
     EXPECT_FALSE(view.isChecked(QStringLiteral("EnableDaylightSaving")));
     EXPECT_TRUE(view.isEnabled(QStringLiteral("Lire")));
     EXPECT_FALSE(view.busy);
-    EXPECT_FALSE(logic->busy());
 }
 
 TEST_F(ConsoleRead, LireStopsTheContinuousCycleAndSendsAFastClockBack) {
@@ -124,7 +123,6 @@ TEST_F(ConsoleRead, ADeadDeviceWalksToTheThresholdAndKeepsWhatItCannotRead) {
     EXPECT_EQ(text("DateProgrammation"), date);
     EXPECT_EQ(text("txtCurrentTime"), clock);
     EXPECT_TRUE(state.TimeOut);
-    EXPECT_FALSE(logic->busy());
 }
 
 TEST_F(ConsoleRead, BatteryControlsFollowTheSerialNumber) {

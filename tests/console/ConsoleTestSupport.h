@@ -1,6 +1,5 @@
 #pragma once
 
-#include "view/MapConsoleView.h"
 #include "RecordingDialogs.h"
 #include "SimulatedBus.h"
 #include "config/ConfigDocument.h"
@@ -9,6 +8,7 @@
 #include "device/Device.h"
 #include "link/FrameLink.h"
 #include "programme/Conditions.h"
+#include "view/MapConsoleView.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -53,6 +53,16 @@ public:
     void stopTest() override {
         testInterval = 0;
         calls << QStringLiteral("stopTest");
+    }
+    // Each turn of the write cycle's wait; stands in for the ticks and
+    // clicks that come meanwhile.
+    int queuedRuns = 0;
+    std::function<void()> onQueuedRun;
+    bool runQueuedEvents() override {
+        ++queuedRuns;
+        if (onQueuedRun)
+            onQueuedRun();
+        return true;
     }
     void showConnection() override {
         calls << QStringLiteral("showConnection");
@@ -128,7 +138,7 @@ protected:
             std::make_unique<MainScreenLogic>(view, host, *device, *config, conditions, dialogs);
         logic->setClock([this] { return pcNow; });
         logic->setLocale(QLocale(QLocale::French, QLocale::France));
-        view.onYield = [this] { logic->test_Timer(); };
+        host.onQueuedRun = [this] { logic->test_Timer(); };
     }
 
     // A controller as frmConnect would leave it chosen.

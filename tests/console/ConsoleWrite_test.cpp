@@ -30,13 +30,11 @@ TEST_F(ConsoleWrite, EcrireSendsRestartsWaitsFiveTicksAndReportsTheEnd) {
     host.calls.clear();
 
     QStringList enabledDuringWait;
-    bool busyDuringWait = false;
-    view.onYield = [&] {
-        if (view.yields == 1) {
+    host.onQueuedRun = [&] {
+        if (host.queuedRuns == 1) {
             for (const QString& c : kLocked)
                 if (view.isEnabled(c))
                     enabledDuringWait << c;
-            busyDuringWait = logic->busy();
         }
         logic->test_Timer();
     };
@@ -49,9 +47,8 @@ TEST_F(ConsoleWrite, EcrireSendsRestartsWaitsFiveTicksAndReportsTheEnd) {
     // The restarting device does not answer, and the link tries three times.
     EXPECT_EQ(requests(), expected + QStringList(3, QStringLiteral("00")));
 
-    EXPECT_EQ(view.yields, 5);
+    EXPECT_EQ(host.queuedRuns, 5);
     EXPECT_TRUE(enabledDuringWait.isEmpty()) << enabledDuringWait.join(' ').toStdString();
-    EXPECT_TRUE(busyDuringWait);
     for (const QString& c : kLocked)
         EXPECT_TRUE(view.isEnabled(c)) << c.toStdString();
     EXPECT_FALSE(view.isVisible(QStringLiteral("ProgressBar2")));
@@ -64,7 +61,6 @@ TEST_F(ConsoleWrite, EcrireSendsRestartsWaitsFiveTicksAndReportsTheEnd) {
     EXPECT_EQ(sim().restartCount(), 1);
     // The rule went to config.xml as well.
     EXPECT_TRUE(configText().contains(QStringLiteral("OF_MOIS_HIVER=\" 10\"")));
-    EXPECT_FALSE(logic->busy());
 }
 
 TEST_F(ConsoleWrite, CancelOrADeadDeviceStopTheWriteAtTheIdentity) {
@@ -82,7 +78,7 @@ TEST_F(ConsoleWrite, CancelOrADeadDeviceStopTheWriteAtTheIdentity) {
     bus.unplug(id);
     logic->Ecrire_Click();
     EXPECT_EQ(boxTexts(), QStringList{QStringLiteral("Quorvel not responding (Time Out)")});
-    EXPECT_EQ(view.yields, 0);
+    EXPECT_EQ(host.queuedRuns, 0);
     EXPECT_TRUE(view.isEnabled(QStringLiteral("Ecrire")));
 }
 

@@ -2,6 +2,7 @@
 
 #include "link/Dialogs.h"
 
+#include <QElapsedTimer>
 #include <QString>
 #include <deque>
 #include <vector>
@@ -16,6 +17,7 @@ public:
         QString text;
         QString title;
         int style;
+        qint64 shownAtMs = 0; // on the monotonic clock, when the box came
     };
 
     int message(const QString& text, const QString& title, int style) override;
@@ -23,6 +25,9 @@ public:
     void answerNext(int answer) { answers_.push_back(answer); }
     const std::vector<Box>& boxes() const { return boxes_; }
     void clear() { boxes_.clear(); }
+
+    // The monotonic clock of shownAtMs, in milliseconds.
+    static qint64 nowMs();
 
 private:
     std::vector<Box> boxes_;

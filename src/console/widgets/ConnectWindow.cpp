@@ -6,9 +6,11 @@
 #include "view/UiBridge.h"
 #include "view/widgets/WidgetConsoleView.h"
 
+#include <QEvent>
 #include <QListWidget>
 #include <QPointer>
 #include <QTimer>
+#include <atomic>
 #include <optional>
 
 namespace qv {
@@ -20,6 +22,14 @@ struct ConnectWindow::Session {
     WidgetConsoleView widgets;
     std::optional<MarshalledView> marshalled;
     std::optional<ConnectLogic> logic;
+    std::function<void()> afterClose;
+    std::atomic<bool> continued{false};
+
+    // Once, whichever way the window closes.
+    void continueAfterClose() {
+        if (!continued.exchange(true) && afterClose)
+            afterClose();
+    }
 };
 
 ConnectWindow::ConnectWindow(Device& device, ConsoleView& mainScreen, Dialogs& dialogs,
@@ -32,31 +42,46 @@ ConnectWindow::ConnectWindow(Device& device, ConsoleView& mainScreen, Dialogs& d
     ConsoleView* form = &session_->widgets;
     std::function<void(bool)> close;
     QPointer<ConnectWindow> self(this);
+    Session* session = session_.get();
     if (bridge) {
         form = &session_->marshalled.emplace(*bridge, session_->widgets);
-        close = [bridge, self](bool accepted) {
+        close = [bridge, self, session](bool accepted) {
+            session->continueAfterClose();
             bridge->post([self, accepted] {
                 if (self)
                     self->done(accepted ? QDialog::Accepted : QDialog::Rejected);
             });
         };
     } else {
-        close = [self](bool accepted) {
+        close = [self, session](bool accepted) {
+            session->continueAfterClose();
             if (self)
                 self->done(accepted ? QDialog::Accepted : QDialog::Rejected);
         };
     }
+    // Closed by the window's own means (the close box, Escape): what
+    // follows still comes, in a job of its own.
+    connect(this, &QDialog::finished, this, [this] {
+        if (session_->continued || !session_->afterClose)
+            return;
+        if (worker_)
+            worker_->post([session = session_] { session->continueAfterClose(); });
+        else
+            session_->continueAfterClose();
+    });
     session_->logic.emplace(*form, mainScreen, device, dialogs, message, std::move(updateFirmware),
                             std::move(close));
 
     // Operator-only signals: a line selected from code must not connect. A
-    // line reached with the arrow keys is taken as a click takes it.
+    // line reached with the keys is taken as a click takes it; the line that
+    // the list makes current when it gets the focus is not.
     connect(ui_->ListeSorvane, &QListWidget::itemClicked, this, [this] { ListeSorvane_Click(); });
     connect(ui_->ListeSorvane, &QListWidget::itemActivated, this, [this] { ListeSorvane_Click(); });
     connect(ui_->ListeSorvane, &QListWidget::currentRowChanged, this, [this](int row) {
-        if (row >= 0 && ui_->ListeSorvane->hasFocus())
+        if (row >= 0 && movedByKey_)
             ListeSorvane_Click();
     });
+    ui_->ListeSorvane->installEventFilter(this);
     connect(ui_->ViewAll, &QCheckBox::clicked, this, [this] { ViewAll_Click(); });
     connect(ui_->ExitEtalonnage, &QPushButton::clicked, this, [this] { ExitEtalonnage_Click(); });
 
@@ -77,6 +102,14 @@ ConnectWindow::ConnectWindow(Device& device, ConsoleView& mainScreen, Dialogs& d
 
 ConnectWindow::~ConnectWindow() = default;
 
+bool ConnectWindow::eventFilter(QObject* watched, QEvent* event) {
+    // The key is handled by the list right after this, and a move it makes
+    // comes within that handling.
+    if (watched == ui_->ListeSorvane)
+        movedByKey_ = event->type() == QEvent::KeyPress;
+    return QDialog::eventFilter(watched, event);
+}
+
 ConsoleView& ConnectWindow::view() {
     return session_->widgets;
 }
@@ -87,6 +120,10 @@ const ConnectLogic& ConnectWindow::logic() const {
 
 void ConnectWindow::setProbeWait(std::function<void(int)> wait) {
     session_->logic->setProbeWait(std::move(wait));
+}
+
+void ConnectWindow::setAfterClose(std::function<void()> continuation) {
+    session_->afterClose = std::move(continuation);
 }
 
 void ConnectWindow::run(void (ConnectLogic::*handler)()) {

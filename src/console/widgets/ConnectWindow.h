@@ -44,6 +44,11 @@ public:
 
     // The one-second wait after each probe of the first pass (tests only).
     void setProbeWait(std::function<void(int milliseconds)> wait);
+    // What follows the list where the logic runs: in the very job of the
+    // choice that closes it (so that nothing comes between the choice and
+    // what depends on it, TimeOut above all), or, when the window is closed
+    // otherwise, in a job of its own.
+    void setAfterClose(std::function<void()> continuation);
 
     // The window's own controls.
     ConsoleView& view();
@@ -54,6 +59,7 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     struct Session;
@@ -64,6 +70,7 @@ private:
     std::shared_ptr<Session> session_;
     DeviceWorker* worker_;
     bool loaded_ = false;
+    bool movedByKey_ = false;
 };
 
 } // namespace qv

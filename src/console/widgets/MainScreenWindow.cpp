@@ -65,8 +65,8 @@ MainScreenWindow::MainScreenWindow(Device& device, ConfigDocument& config, Condi
     // Timeur stands on the form and has never had anything to do.
     Timeur.setObjectName(QStringLiteral("Timeur"));
 
-    logic_ = std::make_unique<MainScreenLogic>(marshalled_, *this, device, config, conditions,
-                                               dialogs);
+    logic_ =
+        std::make_unique<MainScreenLogic>(marshalled_, *this, device, config, conditions, dialogs);
     worker_.setActivityObserver(
         [this](bool busy) { bridge_.post([this, busy] { showActivity(busy); }); });
     wire();
@@ -128,7 +128,7 @@ void MainScreenWindow::wire() {
     // The list opens once the jobs asked for before it are over, and the
     // read that may follow is a job of its own.
     connect(ui_->MnuConnect, &QAction::triggered, this, [this] {
-        afterJobs([this] { openConnection([this] { post(&L::MnuConnect_ApresConnexion); }); });
+        afterJobs([this] { openConnection([this] { logic_->MnuConnect_ApresConnexion(); }); });
     });
 
     connect(ui_->ListeLangues, &QComboBox::activated, this,
@@ -143,11 +143,13 @@ void MainScreenWindow::wire() {
 
 void MainScreenWindow::start(std::function<void()> started) {
     using L = MainScreenLogic;
+    // The start is one sequence: the list's choice, the first read and the
+    // showing of the window follow each other with nothing between.
     post(&L::Form_Load_AvantConnexion);
     afterJobs([this, started = std::move(started)]() mutable {
         openConnection([this, started = std::move(started)]() mutable {
-            post(&L::Form_Load_ApresConnexion);
-            afterJobs([this, started = std::move(started)]() mutable {
+            logic_->Form_Load_ApresConnexion();
+            bridge_.post([this, started = std::move(started)]() mutable {
                 // The window shows once the start is over, then activates.
                 loaded_ = true;
                 if (!isVisible())
@@ -166,10 +168,7 @@ void MainScreenWindow::openConnection(std::function<void()> afterClose) {
         [this](bool demande) { UpdateFirmware(demande); }, this, &worker_, &bridge_);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setWindowModality(Qt::ApplicationModal);
-    connect(window, &QDialog::finished, this, [this, afterClose = std::move(afterClose)] {
-        if (!closing_ && afterClose)
-            afterClose();
-    });
+    window->setAfterClose(std::move(afterClose));
     if (connectionScript_)
         connectionScript_(*window);
     window->show();

@@ -117,8 +117,9 @@ protected:
 private:
     void wire();
     void notInThisBuild(const QString& what);
-    // Opens the connection list without waiting; `afterClose` runs on this
-    // thread once it has closed, whichever way.
+    // Opens the connection list without waiting; `afterClose` runs on the
+    // device thread once it has closed, whichever way, right after the
+    // choice that closed it.
     void openConnection(std::function<void()> afterClose);
     // On this thread, while the device thread works or rests.
     void showActivity(bool busy);

@@ -100,9 +100,9 @@ void MessageBoxDialogs::present(const QString& text, const QString& title, int s
         return;
     }
     QWidget* parent = parent_ ? parent_ : QApplication::activeWindow();
-    auto* box =
-        new QMessageBox(iconFor(style), title.isEmpty() ? QString::fromLatin1(kDefaultTitle) : title,
-                        text, buttonsFor(style), parent);
+    auto* box = new QMessageBox(iconFor(style),
+                                title.isEmpty() ? QString::fromLatin1(kDefaultTitle) : title, text,
+                                buttonsFor(style), parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowModality(Qt::ApplicationModal);
     box->setCursor(Qt::ArrowCursor);

@@ -212,5 +212,4 @@ void ProgrammationWindow::ImprimerPdf_Click() {
         dialogs_.message(error, QStringLiteral("Quorvel"), MsgBox::Critical);
 }
 
-
 } // namespace qv

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "view/widgets/WidgetConsoleView.h"
 #include "programme/ProgrammeEditor.h"
+#include "view/widgets/WidgetConsoleView.h"
 
 #include <QDialog>
 #include <functional>
@@ -88,6 +88,5 @@ private:
     std::function<QString()> pdfChooser_;
     QString appDir_;
 };
-
 
 } // namespace qv
