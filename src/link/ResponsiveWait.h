@@ -35,6 +35,7 @@ public:
     int deviceCount() override;
     std::int32_t uniqueId(int index) override;
     std::unique_ptr<BusHandle> open(std::int32_t uniqueId) override;
+    TraceSink* traceSink() override { return inner_.traceSink(); }
 
     Bus& inner() { return inner_; }
 
