@@ -4,6 +4,8 @@
 #include "SimulatedBus.h"
 #include "config/DateHelpers.h"
 #include "device/widgets/ConnectWindow.h"
+#include "inspector/widgets/ExchangePanel.h"
+#include "link/TracingBus.h"
 #include "link/backends/BusFactory.h"
 #include "programme/ProgrammeDownload.h"
 #include "programme/widgets/ProgrammationWindow.h"
@@ -99,6 +101,10 @@ LaunchOptions parseLaunchOptions(const QStringList& arguments) {
         } else if (is(argument, "--screenshot")) {
             options.screenshot =
                 takeValue(arguments, i, QStringLiteral("--screenshot"), &options.error);
+        } else if (is(argument, "--trace")) {
+            options.tracePath = takeValue(arguments, i, QStringLiteral("--trace"), &options.error);
+        } else if (argument == QLatin1String("--exchanges")) {
+            options.showExchanges = true;
         } else if (is(argument, "--language")) {
             options.language =
                 takeValue(arguments, i, QStringLiteral("--language"), &options.error);
@@ -131,6 +137,9 @@ QString launchHelp() {
                "                 real application folder is touched.\n"
                "  --demo=old     the same with a Quorvel at firmware 2.60: the upgrade path.\n"
                "                 (also --demo-old-firmware)\n"
+               "  --trace FILE   appends every transfer with the controllers to FILE\n"
+               "                 (quorvelctl trace FILE decodes it)\n"
+               "  --exchanges    opens with the exchange panel (View > Exchanges) shown\n"
                "  --version      the program's version\n"
                "\n"
                "Exit status: 0 normal end, 2 wrong command line, 3 config.xml missing or "
@@ -253,6 +262,11 @@ bool Launch::prepareBus(QString* error, QString* warning) {
         }
         simulated_ = dynamic_cast<SimulatedBus*>(bus_.get());
     }
+    // The exchange trace: the panel always listens, --trace also writes.
+    if (!options_.tracePath.isEmpty() && !traceHub_.openFile(options_.tracePath, error))
+        return false;
+    bus_ = std::make_unique<TracingBus>(std::move(bus_), traceHub_);
+
     responsive_ = std::make_unique<ResponsiveBus>(*bus_);
     return true;
 }
@@ -273,6 +287,11 @@ MainScreenWindow& Launch::makeWindow() {
 
     installProgrammationEditor(*window_, *config_, conditions_);
     installProductionReport(*window_, *config_, *fileDialogInUse_);
+    ExchangePanel* exchanges = installExchangePanel(*window_, traceHub_, *config_, [this] {
+        return window_->view().text(QStringLiteral("ListeLangues"));
+    });
+    if (options_.showExchanges)
+        exchanges->show();
     // The same update from the menu (which asks first) and from the
     // connection list's upgrade line (which has asked already).
     loader_ = std::make_unique<NativeLoaderStarter>(appDirectory());

@@ -113,6 +113,29 @@ void ExchangeAssembler::clear() {
     streams_.clear();
 }
 
+std::vector<TransferRecord> transfersOf(const Exchange& e) {
+    TransferRecord q;
+    q.atUs = e.atUs;
+    q.device = e.device;
+    q.deviceKnown = e.deviceKnown;
+    q.direction = TransferDirection::ToDevice;
+    q.bytes = e.request;
+    q.attempt = e.attempt;
+    q.checked = isCheckedFrame(e.request);
+    q.outcome =
+        e.status == ExchangeStatus::Refused ? TransferOutcome::Refused : TransferOutcome::Sent;
+    if (e.status == ExchangeStatus::Refused)
+        return {q};
+    TransferRecord r = q;
+    r.atUs = e.atUs + e.durationUs;
+    r.direction = TransferDirection::FromDevice;
+    r.bytes = e.status == ExchangeStatus::Silence ? QByteArray() : e.reply;
+    r.outcome = e.status == ExchangeStatus::Silence    ? TransferOutcome::Silence
+                : e.status == ExchangeStatus::BadCheck ? TransferOutcome::BadCheck
+                                                       : TransferOutcome::Answered;
+    return {q, r};
+}
+
 std::vector<Exchange> assembleExchanges(const std::vector<TransferRecord>& records) {
     ExchangeAssembler assembler;
     std::vector<Exchange> all;

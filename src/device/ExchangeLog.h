@@ -65,6 +65,10 @@ private:
     std::map<std::int64_t, Stream> streams_;
 };
 
+// The transfers of one exchange, as a trace records them: the request, and
+// the reply or the silence (none after a refused write).
+std::vector<TransferRecord> transfersOf(const Exchange& exchange);
+
 // Every exchange of a whole trace, in the order of their requests.
 std::vector<Exchange> assembleExchanges(const std::vector<TransferRecord>& records);
 
