@@ -98,15 +98,13 @@ void FrameLink::writeTransfer(const QByteArray& transfer, bool checked) {
     // follows is the read, which finds nothing if all three failed.
     const std::int64_t startUs = TraceHub::steadyNowUs();
     int code = 0;
-    for (int call = 0; call < 3; ++call) {
-        if (handleEcriture_ && handleEcriture_->write(transfer)) {
-            code = 0;
-            break;
-        }
-        code = handleEcriture_ ? handleEcriture_->lastError() : kInvalidHandle;
+    bool written = false;
+    for (int call = 0; call < 3 && !written; ++call) {
+        written = handleEcriture_ && handleEcriture_->write(transfer);
+        code = written ? 0 : handleEcriture_ ? handleEcriture_->lastError() : kInvalidHandle;
     }
     trace(TransferDirection::ToDevice, transfer,
-          code == 0 ? TransferOutcome::Sent : TransferOutcome::Refused, checked, startUs);
+          written ? TransferOutcome::Sent : TransferOutcome::Refused, checked, startUs);
     ControleErreurApi(QStringLiteral("UsbWrite"), code);
 }
 

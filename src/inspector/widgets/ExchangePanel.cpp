@@ -133,13 +133,15 @@ ExchangePanel::ExchangePanel(TraceHub& hub, ConfigDocument& config,
     });
     connect(save_, &QPushButton::clicked, this, [this] {
         const QString path = QFileDialog::getSaveFileName(
-            this, caption(QStringLiteral("cmdSave"), QStringLiteral("Save...")), QString(), QString::fromLatin1(kTraceFilter));
+            this, caption(QStringLiteral("cmdSave"), QStringLiteral("Save...")), QString(),
+            QString::fromLatin1(kTraceFilter));
         if (!path.isEmpty())
             saveTo(path);
     });
     connect(open_, &QPushButton::clicked, this, [this] {
         const QString path = QFileDialog::getOpenFileName(
-            this, caption(QStringLiteral("cmdOpen"), QStringLiteral("Open...")), QString(), QString::fromLatin1(kTraceFilter));
+            this, caption(QStringLiteral("cmdOpen"), QStringLiteral("Open...")), QString(),
+            QString::fromLatin1(kTraceFilter));
         if (!path.isEmpty())
             openFrom(path);
     });
@@ -175,7 +177,8 @@ void ExchangePanel::retranslate() {
     open_->setText(caption(QStringLiteral("cmdOpen"), QStringLiteral("Open...")));
     model_.retranslate();
     if (toggleViewAction())
-        toggleViewAction()->setText(caption(QStringLiteral("mnuExchanges"), QStringLiteral("Exchanges")));
+        toggleViewAction()->setText(
+            caption(QStringLiteral("mnuExchanges"), QStringLiteral("Exchanges")));
     if (auto* window = qobject_cast<QMainWindow*>(parentWidget()))
         if (auto* view = window->menuBar()->findChild<QMenu*>(QStringLiteral("mnuView")))
             view->setTitle(caption(QStringLiteral("mnuView"), QStringLiteral("View")));
@@ -188,7 +191,10 @@ void ExchangePanel::updateCount() {
 }
 
 void ExchangePanel::showProblem(const QString& text) {
-    QMessageBox::warning(this, windowTitle(), text);
+    if (reportProblem_)
+        reportProblem_(text);
+    else
+        QMessageBox::warning(this, windowTitle(), text);
 }
 
 bool ExchangePanel::saveTo(const QString& path) {

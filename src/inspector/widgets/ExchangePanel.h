@@ -40,6 +40,10 @@ public:
     // reason shown, on failure; nothing saved is lost.
     bool saveTo(const QString& path);
     bool openFrom(const QString& path);
+    // Where those failures are told; a warning box by default.
+    void setProblemReporter(std::function<void(const QString& text)> report) {
+        reportProblem_ = std::move(report);
+    }
 
 private:
     // The text of `key` in the language of the moment; `text` is the
@@ -63,6 +67,7 @@ private:
     QPushButton* open_;
     QLabel* count_;
     bool followNewest_ = true;
+    std::function<void(const QString&)> reportProblem_;
 };
 
 // Adds the panel to `window`, off at first, and View > Exchanges to switch
