@@ -47,6 +47,7 @@ Exchange ExchangeAssembler::complete(Stream& s, const TransferRecord* reply) {
     const TransferRecord& q = s.request;
     Exchange e;
     e.atUs = q.atUs;
+    e.sequence = s.requestSequence;
     e.device = q.device;
     e.deviceKnown = q.deviceKnown;
     e.request = q.bytes;
@@ -85,10 +86,12 @@ Exchange ExchangeAssembler::complete(Stream& s, const TransferRecord* reply) {
 std::vector<Exchange> ExchangeAssembler::add(const TransferRecord& r) {
     std::vector<Exchange> done;
     Stream& s = streams_[key(r)];
+    const long long sequence = fed_++;
     if (r.direction == TransferDirection::ToDevice) {
         if (s.waiting)
             done.push_back(complete(s, nullptr));
         s.request = r;
+        s.requestSequence = sequence;
         s.waiting = true;
     } else if (s.waiting) {
         done.push_back(complete(s, &r));
@@ -105,12 +108,13 @@ std::vector<Exchange> ExchangeAssembler::finish() {
             done.push_back(complete(s, nullptr));
     streams_.clear();
     std::sort(done.begin(), done.end(),
-              [](const Exchange& a, const Exchange& b) { return a.atUs < b.atUs; });
+              [](const Exchange& a, const Exchange& b) { return a.sequence < b.sequence; });
     return done;
 }
 
 void ExchangeAssembler::clear() {
     streams_.clear();
+    fed_ = 0;
 }
 
 std::vector<TransferRecord> transfersOf(const Exchange& e) {
@@ -144,8 +148,8 @@ std::vector<Exchange> assembleExchanges(const std::vector<TransferRecord>& recor
             all.push_back(std::move(e));
     for (Exchange& e : assembler.finish())
         all.push_back(std::move(e));
-    std::stable_sort(all.begin(), all.end(),
-                     [](const Exchange& a, const Exchange& b) { return a.atUs < b.atUs; });
+    std::sort(all.begin(), all.end(),
+              [](const Exchange& a, const Exchange& b) { return a.sequence < b.sequence; });
     return all;
 }
 

@@ -19,6 +19,7 @@ QString statusWord(ExchangeStatus status); // "answered", "silence", "bad-check"
 // silence after it), decoded.
 struct Exchange {
     std::int64_t atUs = 0;       // when the request went, since the start of the trace
+    long long sequence = 0;      // the request's place among the transfers fed
     std::int64_t durationUs = 0; // request to reply (or to the end of the wait); 0 unknown
     std::int32_t device = 0;
     bool deviceKnown = false;
@@ -54,6 +55,7 @@ private:
     struct Stream {
         bool waiting = false;
         TransferRecord request;
+        long long requestSequence = 0;
         DecodeContext context;
         QByteArray lastRequest;
         int lastAttempt = 0;
@@ -63,13 +65,15 @@ private:
     static std::int64_t key(const TransferRecord& r);
 
     std::map<std::int64_t, Stream> streams_;
+    long long fed_ = 0;
 };
 
 // The transfers of one exchange, as a trace records them: the request, and
 // the reply or the silence (none after a refused write).
 std::vector<TransferRecord> transfersOf(const Exchange& exchange);
 
-// Every exchange of a whole trace, in the order of their requests.
+// Every exchange of a whole trace, in the order of their requests in it (a
+// file that several runs appended to starts its time again with each).
 std::vector<Exchange> assembleExchanges(const std::vector<TransferRecord>& records);
 
 struct TraceSummary {

@@ -226,17 +226,17 @@ TEST(FrameDecoder, ARequestWithAWrongCheckValueSaysSo) {
 TEST(TraceSummary, FailuresRetriesPausesAndWire) {
     // Three exchanges on one device: clean; lost once; lost for good.
     const QString text =
-        QStringLiteral("0.010000 > FE 28 00 00 00 00 00 00 00 00 00 00 00 00 9C 3E #1 @5 sent\n"
-                       "0.021000 < FE 07 41 D0 #1 @5 answered\n"
+        QStringLiteral("0.010000 > FE 28 00 00 00 00 00 00 00 00 00 00 00 00 34 17 #1 @5 sent\n"
+                       "0.021000 < FE 07 00 12 #1 @5 answered\n"
                        "0.031000 > F0 00 00 00 00 00 00 00 00 00 00 00 00 00 5B F1 #1 @5 sent\n"
                        "0.291000 < #1 @5 silence\n"
                        "0.301000 > F0 00 00 00 00 00 00 00 00 00 00 00 00 00 5B F1 #2 @5 sent\n"
                        "0.312000 < F0 02 0C 46 00 03 B6 01 03 ED B8 #2 @5 answered\n"
-                       "0.322000 > F1 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 #1 @5 sent\n"
+                       "0.322000 > F1 00 00 00 00 00 00 00 00 00 00 00 00 00 5B 30 #1 @5 sent\n"
                        "0.582000 < #1 @5 silence\n"
-                       "0.592000 > F1 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 #2 @5 sent\n"
+                       "0.592000 > F1 00 00 00 00 00 00 00 00 00 00 00 00 00 5B 30 #2 @5 sent\n"
                        "0.852000 < #2 @5 silence\n"
-                       "0.862000 > F1 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 #3 @5 sent\n"
+                       "0.862000 > F1 00 00 00 00 00 00 00 00 00 00 00 00 00 5B 30 #3 @5 sent\n"
                        "1.122000 < #3 @5 silence\n");
     const std::vector<Exchange> exchanges = assembleExchanges(parseTraceText(text).records);
     ASSERT_EQ(exchanges.size(), 6u);
