@@ -235,7 +235,7 @@ ExchangePanel* installExchangePanel(QMainWindow& window, TraceHub& hub, ConfigDo
         view->setObjectName(QStringLiteral("mnuView"));
         // Before the last menu, the window's "?".
         const QList<QAction*> menus = window.menuBar()->actions();
-        if (menus.size() >= 2)
+        if (!menus.isEmpty())
             window.menuBar()->insertMenu(menus.last(), view);
         else
             window.menuBar()->addMenu(view);
