@@ -17,35 +17,40 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QTimer>
 #include <QVBoxLayout>
 
 namespace qv {
 
-// The filter, with the status column coloured: a glance down the list
-// finds the silences and the bad check values.
-class StatusColours : public ExchangeFilter {
+// The status column coloured: a glance down the list finds the silences
+// and the bad check values; a retry's attempt number stands out.
+class StatusColours : public QStyledItemDelegate {
 public:
-    using ExchangeFilter::ExchangeFilter;
+    using QStyledItemDelegate::QStyledItemDelegate;
 
-    QVariant data(const QModelIndex& index, int role) const override {
-        if (role == Qt::BackgroundRole && index.column() == ExchangeTableModel::Status) {
-            switch (static_cast<ExchangeStatus>(
-                ExchangeFilter::data(index, ExchangeTableModel::StatusRole).toInt())) {
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (index.column() == ExchangeTableModel::Status) {
+            switch (
+                static_cast<ExchangeStatus>(index.data(ExchangeTableModel::StatusRole).toInt())) {
             case ExchangeStatus::Answered:
-                return QBrush(QColor(0xd8, 0xf0, 0xd8));
+                option->backgroundBrush = QBrush(QColor(0xd8, 0xf0, 0xd8));
+                break;
             case ExchangeStatus::Silence:
-                return QBrush(QColor(0xff, 0xdf, 0xa8));
+                option->backgroundBrush = QBrush(QColor(0xff, 0xdf, 0xa8));
+                break;
             case ExchangeStatus::BadCheck:
             case ExchangeStatus::Refused:
-                return QBrush(QColor(0xf8, 0xb8, 0xb8));
+                option->backgroundBrush = QBrush(QColor(0xf8, 0xb8, 0xb8));
+                break;
             }
+        } else if (index.column() == ExchangeTableModel::Attempt &&
+                   index.data().toString() != QLatin1String("1")) {
+            option->palette.setColor(QPalette::Text, QColor(0xb0, 0x60, 0x00));
         }
-        if (role == Qt::ForegroundRole && index.column() == ExchangeTableModel::Attempt &&
-            ExchangeFilter::data(index, Qt::DisplayRole).toString() != QLatin1String("1"))
-            return QBrush(QColor(0xb0, 0x60, 0x00));
-        return ExchangeFilter::data(index, role);
     }
 };
 
@@ -86,26 +91,18 @@ ExchangePanel::ExchangePanel(TraceHub& hub, ConfigDocument& config,
     bar->addWidget(save_);
     layout->addLayout(bar);
 
-    filter_ = new StatusColours(this);
+    filter_ = new ExchangeFilter(this);
     filter_->setSourceModel(&model_);
     table_ = new QTableView(body);
     table_->setObjectName(QStringLiteral("tblExchanges"));
-    table_->setModel(filter_);
+    table_->setItemDelegate(new StatusColours(table_));
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setWordWrap(false);
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 4);
-    QHeaderView* header = table_->horizontalHeader();
-    header->setSectionResizeMode(QHeaderView::Interactive);
-    header->setSectionResizeMode(ExchangeTableModel::Request, QHeaderView::Stretch);
     table_->setMinimumHeight(table_->verticalHeader()->defaultSectionSize() * 12);
-    header->resizeSection(ExchangeTableModel::Time, 70);
-    header->resizeSection(ExchangeTableModel::Device, 90);
-    header->resizeSection(ExchangeTableModel::Reply, 230);
-    header->resizeSection(ExchangeTableModel::Attempt, 60);
-    header->resizeSection(ExchangeTableModel::Duration, 90);
-    header->resizeSection(ExchangeTableModel::Status, 110);
+    showModel(&model_);
     layout->addWidget(table_, 1);
     setWidget(body);
 
@@ -129,6 +126,9 @@ ExchangePanel::ExchangePanel(TraceHub& hub, ConfigDocument& config,
     });
     connect(filterText_, &QLineEdit::textChanged, this, [this](const QString& text) {
         filter_->setText(text);
+        // Unfiltered, the view sits on the model itself: a proxy would remap
+        // all its rows each time the ring drops the oldest.
+        showModel(text.isEmpty() ? static_cast<QAbstractItemModel*>(&model_) : filter_);
         updateCount();
     });
     connect(save_, &QPushButton::clicked, this, [this] {
@@ -152,6 +152,22 @@ ExchangePanel::ExchangePanel(TraceHub& hub, ConfigDocument& config,
     });
     languagePoll->start(kLanguagePollMs);
     retranslate();
+}
+
+void ExchangePanel::showModel(QAbstractItemModel* model) {
+    if (table_->model() == model)
+        return;
+    table_->setModel(model);
+    QHeaderView* header = table_->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::Interactive);
+    header->setSectionResizeMode(ExchangeTableModel::Request, QHeaderView::Stretch);
+    header->resizeSection(ExchangeTableModel::Time, 70);
+    header->resizeSection(ExchangeTableModel::Device, 90);
+    header->resizeSection(ExchangeTableModel::Reply, 230);
+    header->resizeSection(ExchangeTableModel::Attempt, 60);
+    header->resizeSection(ExchangeTableModel::Duration, 90);
+    header->resizeSection(ExchangeTableModel::Status, 110);
+    table_->scrollToBottom();
 }
 
 QString ExchangePanel::caption(const QString& key, const QString& text) {
@@ -186,7 +202,7 @@ void ExchangePanel::retranslate() {
 }
 
 void ExchangePanel::updateCount() {
-    const int shown = filter_->rowCount();
+    const int shown = table_->model()->rowCount();
     count_->setText(QStringLiteral("%1 / %2").arg(shown).arg(model_.rowCount()));
 }
 

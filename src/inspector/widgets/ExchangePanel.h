@@ -50,6 +50,7 @@ private:
     // default of a key that config.xml lacks (the key itself when empty).
     QString caption(const QString& key, const QString& text = QString());
     void updateCount();
+    void showModel(class QAbstractItemModel* model);
     void showProblem(const QString& text);
 
     ConfigDocument& config_;
@@ -57,7 +58,7 @@ private:
     QString shownLanguage_;
     QString openedFile_;
     ExchangeTableModel model_;
-    class StatusColours* filter_;
+    ExchangeFilter* filter_;
     ExchangeFeed* feed_;
     QTableView* table_;
     QPushButton* pause_;
