@@ -21,7 +21,8 @@ std::int64_t TraceHub::steadyNowUs() {
 }
 
 bool TraceHub::openFile(const QString& path, QString* error) {
-    std::FILE* file = std::fopen(QFile::encodeName(path).constData(), "a");
+    // Not inherited by the processes we start (the firmware loader).
+    std::FILE* file = std::fopen(QFile::encodeName(path).constData(), "ae");
     if (!file) {
         if (error)
             *error = QStringLiteral("cannot open the trace file %1: %2")
