@@ -3,7 +3,7 @@
 namespace qv {
 
 namespace {
-const char* const kHeaderKeys[] = {"Time",    "Device",   "Request", "Reply",
+const char* const kHeaderKeys[] = {"Time",    "Device",        "Request", "Reply",
                                    "Attempt", "Duration (ms)", "Status"};
 // In the order of ExchangeStatus.
 const char* const kStatusKeys[] = {"answered", "silence", "bad check value", "write refused"};
