@@ -5,6 +5,8 @@
 #include "SimulatedBus.h"
 #include "config/DateHelpers.h"
 #include "console/widgets/ConnectWindow.h"
+#include "inspector/widgets/ExchangePanel.h"
+#include "link/TracingBus.h"
 #include "linkoption/BusFactory.h"
 #include "programme/ProgrammeDownload.h"
 #include "reports/widgets/ProductionWindow.h"
@@ -100,6 +102,10 @@ LaunchOptions parseLaunchOptions(const QStringList& arguments) {
         } else if (is(argument, "--screenshot")) {
             options.screenshot =
                 takeValue(arguments, i, QStringLiteral("--screenshot"), &options.error);
+        } else if (is(argument, "--trace")) {
+            options.tracePath = takeValue(arguments, i, QStringLiteral("--trace"), &options.error);
+        } else if (argument == QLatin1String("--exchanges")) {
+            options.showExchanges = true;
         } else if (is(argument, "--language")) {
             options.language =
                 takeValue(arguments, i, QStringLiteral("--language"), &options.error);
@@ -132,6 +138,9 @@ QString launchHelp() {
                "                 real application folder is touched.\n"
                "  --demo=old     the same with a Quorvel at firmware 2.60: the upgrade path.\n"
                "                 (also --demo-old-firmware)\n"
+               "  --trace FILE   appends every transfer with the controllers to FILE\n"
+               "                 (quorvelctl trace FILE decodes it)\n"
+               "  --exchanges    opens with the exchange panel (View > Exchanges) shown\n"
                "  --version      the program's version\n"
                "\n"
                "Exit status: 0 normal end, 2 wrong command line, 3 config.xml missing or "
@@ -254,6 +263,11 @@ bool Launch::prepareBus(QString* error, QString* warning) {
         }
         simulated_ = dynamic_cast<SimulatedBus*>(bus_.get());
     }
+    // The exchange trace: the panel always listens, --trace also writes.
+    if (!options_.tracePath.isEmpty() && !traceHub_.openFile(options_.tracePath, error))
+        return false;
+    bus_ = std::make_unique<TracingBus>(std::move(bus_), traceHub_);
+
     releasable_ = std::make_unique<ReleasableBus>(*bus_);
     return true;
 }
@@ -282,6 +296,11 @@ MainScreenWindow& Launch::makeWindow() {
 
     installProgrammationEditor(*window_, *config_, conditions_);
     installProductionReport(*window_, *config_, *fileDialogInUse_);
+    ExchangePanel* exchanges = installExchangePanel(*window_, traceHub_, *config_, [this] {
+        return window_->view().text(QStringLiteral("ListeLangues"));
+    });
+    if (options_.showExchanges)
+        exchanges->show();
     // The same update from the menu (which asks first) and from the
     // connection list's upgrade line (which has asked already); it runs on
     // the device thread, which owns the device state it lets go of.

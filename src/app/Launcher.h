@@ -14,6 +14,7 @@
 #include "link/FrameLink.h"
 #include "link/PublicState.h"
 #include "link/ReleasableBus.h"
+#include "link/TraceHub.h"
 #include "programme/Conditions.h"
 #include "view/MarshalledDialogs.h"
 #include "view/UiBridge.h"
@@ -38,6 +39,10 @@ struct LaunchOptions {
     // Kept out of --help: pictures of the window for the documentation.
     QString screenshot;
     QString language;
+    // --trace FILE: every transfer appended to FILE; --exchanges: the
+    // exchange panel open from the start.
+    QString tracePath;
+    bool showExchanges = false;
     bool help = false;
     bool version = false;
     QString error; // not empty: the command line is wrong, and this says why
@@ -99,9 +104,12 @@ public:
     // The programme of the run; the device thread's while the window runs.
     Conditions& conditions() { return conditions_; }
     MessageBoxDialogs& dialogs() { return dialogs_; }
+    // Every transfer of the window's exchanges: --trace and the exchange panel.
+    TraceHub& traceHub() { return traceHub_; }
 
 private:
     LaunchOptions options_;
+    TraceHub traceHub_;
     std::unique_ptr<QTemporaryDir> scratch_;
     QString configPath_;
     std::unique_ptr<ConfigDocument> config_;

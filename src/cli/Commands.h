@@ -24,6 +24,7 @@ const std::vector<CliCommand>& configCommands();
 const std::vector<CliCommand>& firmwareCommands();
 const std::vector<CliCommand>& reportCommands();
 const std::vector<CliCommand>& printCommands();
+const std::vector<CliCommand>& traceCommands();
 
 // Commands that draw (the printed programme) need a QGuiApplication; the
 // others run on a QCoreApplication, without a display.

@@ -6,6 +6,7 @@
 #include "link/Bus.h"
 #include "link/FrameLink.h"
 #include "link/PublicState.h"
+#include "link/TraceHub.h"
 
 #include <QString>
 #include <memory>
@@ -16,6 +17,9 @@ namespace qv {
 // bus chosen by --link, the link and the device primitives over it.
 struct Session {
     std::unique_ptr<ConfigDocument> config;
+    // --trace: every transfer of the run, written as it happens. Declared
+    // before the bus that reports to it.
+    std::unique_ptr<TraceHub> trace;
     std::unique_ptr<Bus> bus;
     std::unique_ptr<StderrDialogs> dialogs;
     PublicState state;

@@ -4,6 +4,7 @@
 #include "Commands.h"
 #include "Session.h"
 #include "config/AppDirectory.h"
+#include "link/TracingBus.h"
 #include "linkoption/BusFactory.h"
 
 #include <QCoreApplication>
@@ -17,15 +18,17 @@ namespace {
 
 void printUsage(std::FILE* out) {
     std::fputs("usage: quorvelctl [--app-dir DIR] [--link LINK] [--device ID] [--json] [--yes]\n"
-               "                  COMMAND [ARGS] [--help]\n\n"
+               "                  [--trace FILE] COMMAND [ARGS] [--help]\n\n"
                "LINK is usb (the default), tty:PATTERN for controllers seen as serial ports\n"
                "(tty:/dev/ttyACM*), or sim[:key=value,...] for simulated controllers, for\n"
                "example sim:devices=2,state=/tmp/sim.json (see README).\n"
-               "ID is a device id as `devices --json` prints it; by default the first device.\n\n"
+               "ID is a device id as `devices --json` prints it; by default the first device.\n"
+               "--trace FILE appends every transfer to FILE (see `trace FILE`).\n\n"
                "commands:\n",
                out);
-    for (const auto* list : {&deviceCommands(), &programmeCommands(), &printCommands(),
-                             &configCommands(), &firmwareCommands(), &reportCommands()}) {
+    for (const auto* list :
+         {&deviceCommands(), &programmeCommands(), &printCommands(), &configCommands(),
+          &firmwareCommands(), &reportCommands(), &traceCommands()}) {
         for (const CliCommand& c : *list)
             std::fprintf(out, "  %-20s %s\n", qUtf8Printable(c.words.join(QLatin1Char(' '))),
                          qUtf8Printable(c.summary));
@@ -36,15 +39,16 @@ void printUsage(std::FILE* out) {
 bool needsDevice(const CliCommand& command) {
     const QString first = command.words.first();
     return first != QLatin1String("message") && first != QLatin1String("config") &&
-           first != QLatin1String("firmware") &&
+           first != QLatin1String("trace") && first != QLatin1String("firmware") &&
            command.words != QStringList{QStringLiteral("programme"), QStringLiteral("show")} &&
            !needsGuiApplication(command);
 }
 
 const CliCommand* findCommand(QStringList& words) {
     const CliCommand* best = nullptr;
-    for (const auto* list : {&deviceCommands(), &programmeCommands(), &printCommands(),
-                             &configCommands(), &firmwareCommands(), &reportCommands()}) {
+    for (const auto* list :
+         {&deviceCommands(), &programmeCommands(), &printCommands(), &configCommands(),
+          &firmwareCommands(), &reportCommands(), &traceCommands()}) {
         for (const CliCommand& c : *list) {
             if (words.size() >= c.words.size() && words.mid(0, c.words.size()) == c.words &&
                 (!best || c.words.size() > best->words.size()))
@@ -60,6 +64,7 @@ struct GlobalOptions {
     std::optional<QString> appDir;
     QString link;
     std::optional<QString> device;
+    std::optional<QString> trace;
     bool json = false;
     bool yes = false;
     bool help = false;
@@ -72,6 +77,7 @@ GlobalOptions takeGlobalOptions(const QStringList& words) {
     o.appDir = globals.takeOption(QStringLiteral("app-dir"));
     o.link = globals.takeOption(QStringLiteral("link")).value_or(QStringLiteral("usb"));
     o.device = globals.takeOption(QStringLiteral("device"));
+    o.trace = globals.takeOption(QStringLiteral("trace"));
     o.json = globals.takeFlag(QStringLiteral("json"));
     o.yes = globals.takeFlag(QStringLiteral("yes"));
     o.help = globals.takeFlag(QStringLiteral("help")) || globals.takeFlag(QStringLiteral("h"));
@@ -116,6 +122,11 @@ int run(QStringList words) {
 
     Session session;
     session.json = json;
+    // A saved trace is read without config.xml or a device.
+    if (command->words.first() == QLatin1String("trace")) {
+        Arguments traceArgs(rest);
+        return command->run(session, traceArgs);
+    }
     const AppDirectoryResult appDir = resolveAppDirectory(defaultAppDirectorySources(appDirOption));
     if (!appDir.ok()) {
         std::fprintf(stderr, "quorvelctl: %s\n", qUtf8Printable(appDir.error));
@@ -138,6 +149,13 @@ int run(QStringList words) {
     session.bus = makeBus(linkSpec, &busError);
     if (!session.bus)
         throw UsageError{busError};
+    if (globals.trace) {
+        session.trace = std::make_unique<TraceHub>();
+        QString traceError;
+        if (!session.trace->openFile(*globals.trace, &traceError))
+            throw UsageError{traceError};
+        session.bus = std::make_unique<TracingBus>(std::move(session.bus), *session.trace);
+    }
     session.dialogs = std::make_unique<StderrDialogs>(yes);
     session.link = std::make_unique<FrameLink>(*session.bus, *session.dialogs, session.state);
     session.device = std::make_unique<Device>(

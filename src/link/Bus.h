@@ -6,6 +6,8 @@
 
 namespace qv {
 
+class TraceSink;
+
 // One open channel to a device. Every frame exchange opens two of these (one
 // to write, one to read) and closes them again, so implementations must allow
 // several handles on one device at once.
@@ -36,6 +38,9 @@ public:
     virtual std::int32_t uniqueId(int index) = 0;
     // A new handle on that device, or nullptr when it cannot be opened.
     virtual std::unique_ptr<BusHandle> open(std::int32_t uniqueId) = 0;
+    // Where the frame link reports the transfers made over this bus; none
+    // by default. A bus that wraps another must pass on the inner one's.
+    virtual TraceSink* traceSink() { return nullptr; }
 };
 
 } // namespace qv

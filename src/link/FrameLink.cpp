@@ -1,6 +1,8 @@
 #include "FrameLink.h"
 
 #include "Crc.h"
+#include "TraceHub.h"
+#include "TraceSink.h"
 
 #include <QLocale>
 #include <chrono>
@@ -38,6 +40,7 @@ void FrameLink::pause() {
 
 bool FrameLink::OuvreUsb(std::int32_t usbId) {
     FermeUsb();
+    openedId_ = usbId;
     // Both opens are always made, also when the first fails.
     handleEcriture_ = bus_.open(usbId);
     handleLecture_ = bus_.open(usbId);
@@ -67,24 +70,41 @@ void FrameLink::EcritTrameUsb(const Bytes& donnees, int longueur) {
         transfer[15] = static_cast<char>(crc >> 8);
     }
     pause();
-    writeTransfer(transfer);
+    writeTransfer(transfer, longueur == 16);
 }
 
 void FrameLink::EcritBrutUsb(const Bytes& donnees, int longueur) {
-    writeTransfer(toTransfer(donnees, longueur));
+    writeTransfer(toTransfer(donnees, longueur), false);
 }
 
-void FrameLink::writeTransfer(const QByteArray& transfer) {
+void FrameLink::trace(TransferDirection direction, const QByteArray& bytes, TransferOutcome outcome,
+                      bool checked, std::int64_t atUs) {
+    TraceSink* sink = bus_.traceSink();
+    if (!sink)
+        return;
+    TransferRecord r;
+    r.atUs = atUs;
+    r.device = openedId_;
+    r.direction = direction;
+    r.bytes = bytes;
+    r.attempt = attempt_ > 0 ? attempt_ : 1;
+    r.outcome = outcome;
+    r.checked = checked;
+    sink->record(r);
+}
+
+void FrameLink::writeTransfer(const QByteArray& transfer, bool checked) {
     // A refused write is tried again at once, three calls in all; what
     // follows is the read, which finds nothing if all three failed.
+    const std::int64_t startUs = TraceHub::steadyNowUs();
     int code = 0;
-    for (int call = 0; call < 3; ++call) {
-        if (handleEcriture_ && handleEcriture_->write(transfer)) {
-            code = 0;
-            break;
-        }
-        code = handleEcriture_ ? handleEcriture_->lastError() : kInvalidHandle;
+    bool written = false;
+    for (int call = 0; call < 3 && !written; ++call) {
+        written = handleEcriture_ && handleEcriture_->write(transfer);
+        code = written ? 0 : handleEcriture_ ? handleEcriture_->lastError() : kInvalidHandle;
     }
+    trace(TransferDirection::ToDevice, transfer,
+          written ? TransferOutcome::Sent : TransferOutcome::Refused, checked, startUs);
     ControleErreurApi(QStringLiteral("UsbWrite"), code);
 }
 
@@ -106,11 +126,15 @@ Bytes FrameLink::LitReponseUsb(std::int16_t& longueur, const QString& message, b
         return result;
     pause();
     const QByteArray received = readTransfer(longueur);
+    const std::int64_t receivedUs = TraceHub::steadyNowUs();
     if (!received.isEmpty()) {
         Bytes buffer(static_cast<size_t>(longueur), 0);
         for (int i = 0; i < received.size() && i < longueur; ++i)
             buffer[static_cast<size_t>(i)] = static_cast<unsigned char>(received[i]);
-        if (CalculeCRC(buffer, longueur) != 0) {
+        const bool good = CalculeCRC(buffer, longueur) == 0;
+        trace(TransferDirection::FromDevice, received,
+              good ? TransferOutcome::Answered : TransferOutcome::BadCheck, true, receivedUs);
+        if (!good) {
             if (afficheErreur)
                 dialogs_.message(QStringLiteral("CRC error"), titre, MsgBox::OkOnly);
             state_.CRCError = true;
@@ -120,6 +144,7 @@ Bytes FrameLink::LitReponseUsb(std::int16_t& longueur, const QString& message, b
             state_.CRCError = false;
         }
     } else {
+        trace(TransferDirection::FromDevice, received, TransferOutcome::Silence, true, receivedUs);
         handleEcriture_.reset();
         handleLecture_.reset();
         if (afficheErreur)
@@ -133,6 +158,9 @@ Bytes FrameLink::LitBrutUsb(int longueur, const QString& message, bool afficheEr
                             int /*reserve*/, const QString& titre) {
     Bytes result(static_cast<size_t>(longueur), 0);
     const QByteArray received = readTransfer(longueur);
+    trace(TransferDirection::FromDevice, received,
+          received.isEmpty() ? TransferOutcome::Silence : TransferOutcome::Answered, false,
+          TraceHub::steadyNowUs());
     if (!received.isEmpty()) {
         for (int i = 0; i < received.size() && i < longueur; ++i)
             result[static_cast<size_t>(i)] = static_cast<unsigned char>(received[i]);
@@ -155,6 +183,7 @@ bool FrameLink::EchangeUsb(std::int32_t usbId, const Bytes& donnees, std::int16_
     Bytes last;
     FermeUsb();
     do {
+        attempt_ = failures + 1;
         OuvreUsb(usbId);
         state_.TimeOut = false;
         state_.CRCError = false;
@@ -164,6 +193,7 @@ bool FrameLink::EchangeUsb(std::int32_t usbId, const Bytes& donnees, std::int16_
             ++failures;
         FermeUsb();
     } while ((state_.TimeOut || state_.CRCError) && failures < kAttempts);
+    attempt_ = 0;
 
     if (afficheErreur && state_.TimeOut)
         dialogs_.message(message + QStringLiteral(" (Time Out)"), boxTitle(titre), MsgBox::OkOnly);

@@ -4,6 +4,7 @@
 #include "Bytes.h"
 #include "Dialogs.h"
 #include "PublicState.h"
+#include "TransferRecord.h"
 
 #include <QDateTime>
 #include <QString>
@@ -62,8 +63,11 @@ public:
 
 private:
     QString boxTitle(const QString& titre) const;
-    void writeTransfer(const QByteArray& transfer);
+    void writeTransfer(const QByteArray& transfer, bool checked);
     QByteArray readTransfer(int length);
+    // Reports one transfer to the bus's trace sink, when it has one.
+    void trace(TransferDirection direction, const QByteArray& bytes, TransferOutcome outcome,
+               bool checked, std::int64_t atUs);
 
     Bus& bus_;
     Dialogs& dialogs_;
@@ -73,6 +77,8 @@ private:
     std::function<void(int)> pause_;
     std::function<QDateTime()> clock_;
     std::function<void(const QString&, const QString&)> diagnosticHook_;
+    std::int32_t openedId_ = 0; // the device of the handles, for the trace
+    int attempt_ = 0;           // within EchangeUsb: 1..3
 };
 
 // The system's message for a platform error code, without its line end;

@@ -23,6 +23,7 @@ public:
     std::unique_ptr<BusHandle> open(std::int32_t uniqueId) override {
         return released_ ? nullptr : inner_.open(uniqueId);
     }
+    TraceSink* traceSink() override { return inner_.traceSink(); }
 
 private:
     Bus& inner_;
