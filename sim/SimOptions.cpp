@@ -47,8 +47,8 @@ QString simOptionsHelp() {
     return QStringLiteral(
         "devices=N (1..16), firmware=X.YY, hardware=CODE (0..255), serial=N, bootloader=X.Y, "
         "battery=RAW (0..65535), demo=0|1, state=FILE, autosave=0|1, trace=FILE, drop=N, "
-        "dropRate=P (0..1), seed=N, corrupt=N, short=N, shortLength=BYTES, unplug=N, "
-        "restartMs=MS, readWaitMs=MS");
+        "dropRate=P (0..1), seed=N, corrupt=N, short=N, shortLength=BYTES, late=N, "
+        "lateMs=MS, unplug=N, restartMs=MS, readWaitMs=MS");
 }
 
 std::optional<SimOptions> parseSimOptions(const QString& text, QString* error) {
@@ -123,6 +123,12 @@ std::optional<SimOptions> parseSimOptions(const QString& text, QString* error) {
         } else if (key == QLatin1String("shortLength")) {
             ok = parseInt(key, value, 0, 64, number, error);
             options.shortLength = static_cast<int>(number);
+        } else if (key == QLatin1String("late")) {
+            ok = parseInt(key, value, 0, maxCount, number, error);
+            options.late = static_cast<int>(number);
+        } else if (key == QLatin1String("lateMs")) {
+            ok = parseInt(key, value, 0, 60000, number, error);
+            options.lateMs = static_cast<int>(number);
         } else if (key == QLatin1String("unplug") || key == QLatin1String("unplugged")) {
             ok = parseInt(key, value, 0, 16, number, error);
             options.unplugged = static_cast<int>(number);

@@ -32,6 +32,11 @@ struct SimOptions {
     int corrupt = 0;     // the next N replies carry a wrong check value
     int shortCount = 0;  // the next N replies are cut ...
     int shortLength = 3; // ... to this many bytes
+    // The Nth reply (from 1; 0 for none) comes late: after the read that
+    // waits for it has given up, and over a terminal lateMs after its
+    // request, beyond the link's read wait.
+    int late = 0;
+    int lateMs = 400;
     // When given: the first N devices unplugged, the others plugged.
     std::optional<int> unplugged;
 

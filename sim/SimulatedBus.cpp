@@ -53,6 +53,9 @@ struct SimulatedBus::Core {
         int corruptNext = 0;
         int shortNext = 0;
         int shortLength = 3;
+        int repliesBeforeLate = 0; // counts down to the late reply
+        std::optional<QByteArray> late;
+        int lateArrivals = 0;
     };
 
     mutable std::mutex mutex;
@@ -65,6 +68,7 @@ struct SimulatedBus::Core {
         std::this_thread::sleep_for(std::chrono::milliseconds(ms));
     };
     int readWaitMs = 0;
+    int lateDelayMs = 400;
     int restartSilenceMs = SimDevice::kDefaultRestartSilenceMs;
     qint64 startMs = 0;
     QStringList trace;
@@ -139,7 +143,11 @@ struct SimulatedBus::Core {
             --slot.shortNext;
             reply.truncate(slot.shortLength);
         }
-        if (!reply.isEmpty())
+        if (reply.isEmpty())
+            return;
+        if (slot.repliesBeforeLate > 0 && --slot.repliesBeforeLate == 0)
+            slot.late = reply;
+        else
             slot.pending = reply;
     }
 };
@@ -180,10 +188,18 @@ public:
             sleep = core_->sleep;
             wait = core_->readWaitMs;
         }
+        if (wait > 0)
+            sleep(wait);
+        std::lock_guard lock(core_->mutex);
+        if (auto* slot = live(); slot && slot->late) {
+            // Too late for this read: it comes just after.
+            slot->pending = *slot->late;
+            slot->late.reset();
+            ++slot->lateArrivals;
+            return {};
+        }
         if (wait <= 0)
             return {};
-        sleep(wait);
-        std::lock_guard lock(core_->mutex);
         return take(maxLength).value_or(QByteArray());
     }
 
@@ -239,6 +255,7 @@ std::unique_ptr<SimulatedBus> SimulatedBus::fromOptions(const SimOptions& option
     auto bus = std::make_unique<SimulatedBus>();
     bus->setRestartSilence(options.restartMs);
     bus->setReadWait(options.readWaitMs);
+    bus->setLateDelay(options.lateMs);
     if (!options.tracePath.isEmpty() && !bus->setTraceFile(options.tracePath, error))
         return nullptr;
     if (!options.statePath.isEmpty() && QFileInfo::exists(options.statePath)) {
@@ -256,6 +273,7 @@ std::unique_ptr<SimulatedBus> SimulatedBus::fromOptions(const SimOptions& option
         bus->setDropRate(ids[i], options.dropRate, options.seed + static_cast<std::uint32_t>(i));
         bus->corruptReplies(ids[i], options.corrupt);
         bus->shortenReplies(ids[i], options.shortCount, options.shortLength);
+        bus->delayReply(ids[i], options.late);
         if (options.unplugged) {
             if (static_cast<int>(i) < *options.unplugged)
                 bus->unplug(ids[i]);
@@ -383,6 +401,33 @@ bool SimulatedBus::shortenReplies(std::int32_t uniqueId, int count, int length) 
         slot->shortLength = std::max(0, length);
     }
     return slot != nullptr;
+}
+
+bool SimulatedBus::delayReply(std::int32_t uniqueId, int nth) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (slot)
+        slot->repliesBeforeLate = std::max(0, nth);
+    return slot != nullptr;
+}
+
+bool SimulatedBus::takeLateArrival(std::int32_t uniqueId) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (!slot || slot->lateArrivals == 0)
+        return false;
+    --slot->lateArrivals;
+    return true;
+}
+
+void SimulatedBus::setLateDelay(int milliseconds) {
+    std::lock_guard lock(core_->mutex);
+    core_->lateDelayMs = std::max(0, milliseconds);
+}
+
+int SimulatedBus::lateDelay() const {
+    std::lock_guard lock(core_->mutex);
+    return core_->lateDelayMs;
 }
 
 bool SimulatedBus::unplug(std::int32_t uniqueId) {

@@ -64,6 +64,15 @@ public:
     bool setDropRate(std::int32_t uniqueId, double probability, std::uint32_t seed);
     bool corruptReplies(std::int32_t uniqueId, int count);
     bool shortenReplies(std::int32_t uniqueId, int count, int length);
+    // The `nth` reply from now (1 the next; 0 none) comes late: the read
+    // that waits for it gets nothing, and it stands ready just after that
+    // read has given up, until the next request makes it stale.
+    bool delayReply(std::int32_t uniqueId, int nth);
+    // True once for each late reply that has come since: a terminal in front
+    // of the bus sends it then, lateDelay() after its request.
+    bool takeLateArrival(std::int32_t uniqueId);
+    void setLateDelay(int milliseconds);
+    int lateDelay() const;
     // Unplugging takes the device off the count and kills its open handles
     // for good; a replugged device needs new handles.
     bool unplug(std::int32_t uniqueId);

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
+#include <thread>
 #include <unistd.h>
 
 namespace qv {
@@ -124,7 +125,13 @@ void serve(SimulatedBus& bus, PtySimulator::Port& port, const QByteArray& transf
         port.handle.reset();
         return;
     }
-    const QByteArray reply = port.handle->read(kReplyBuffer);
+    QByteArray reply = port.handle->read(kReplyBuffer);
+    if (reply.isEmpty() && bus.takeLateArrival(port.id)) {
+        // A late reply reaches the line after the other end's read wait,
+        // and the device takes no new request before it has sent it.
+        std::this_thread::sleep_for(std::chrono::milliseconds(bus.lateDelay()));
+        reply = port.handle->read(kReplyBuffer);
+    }
     if (!reply.isEmpty())
         writeTransfer(port.master, reply, 1000);
 }

@@ -179,4 +179,46 @@ QString FormatDateCourte(const QLocale& locale) {
     return locale.dateFormat(QLocale::ShortFormat);
 }
 
+DateOrder dateOrder(const QLocale& locale) {
+    const QString picture = FormatDateCourte(locale);
+    const qsizetype day = picture.indexOf(QLatin1Char('d'));
+    const qsizetype month = picture.indexOf(QLatin1Char('M'));
+    const qsizetype year = picture.indexOf(QLatin1Char('y'));
+    if (year >= 0 && (day < 0 || year < day) && (month < 0 || year < month))
+        return DateOrder::YearMonthDay;
+    return month >= 0 && day >= 0 && month < day ? DateOrder::MonthDayYear
+                                                 : DateOrder::DayMonthYear;
+}
+
+std::optional<QDate> dateFromText(int first, int second, int third, const QLocale& locale) {
+    const auto fullYear = [](int year) {
+        if (year >= 100)
+            return year;
+        return year < 30 ? 2000 + year : 1900 + year;
+    };
+    const auto read = [&](DateOrder order) {
+        switch (order) {
+        case DateOrder::YearMonthDay:
+            return QDate(fullYear(first), second, third);
+        case DateOrder::MonthDayYear:
+            return QDate(fullYear(third), first, second);
+        case DateOrder::DayMonthYear:
+            break;
+        }
+        return QDate(fullYear(third), second, first);
+    };
+    const DateOrder preferred = dateOrder(locale);
+    QDate date = read(preferred);
+    for (const DateOrder other :
+         {DateOrder::DayMonthYear, DateOrder::MonthDayYear, DateOrder::YearMonthDay}) {
+        if (date.isValid())
+            break;
+        if (other != preferred)
+            date = read(other);
+    }
+    if (!date.isValid())
+        return std::nullopt;
+    return date;
+}
+
 } // namespace qv

@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 // Calendar dates and the device's time value.
 //
@@ -52,5 +53,15 @@ QString FormatHeure(int heure, int minute, int seconde, const QLocale& locale = 
 
 // The locale's short date picture, in letters d, M and y ("dd/MM/yyyy").
 QString FormatDateCourte(const QLocale& locale = QLocale::system());
+
+// The order of day, month and year in the locale's short date picture.
+enum class DateOrder { DayMonthYear, MonthDayYear, YearMonthDay };
+DateOrder dateOrder(const QLocale& locale);
+
+// A date text of three numbers ("21/11/26"), given as the numbers in the
+// order they are written, read the way the regional settings read it: in
+// the locale's order first, then in the other orders until one makes a
+// date. Two-digit years fall in 1930..2029. nullopt when no order does.
+std::optional<QDate> dateFromText(int first, int second, int third, const QLocale& locale);
 
 } // namespace qv

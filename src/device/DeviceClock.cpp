@@ -24,15 +24,7 @@ void MAH(Device& device, int option, const QDate& madate, const QDateTime& now) 
 }
 
 std::optional<QDate> parseDeviceDate(int day, int month, int year, const QLocale& locale) {
-    const int fullYear = year < 30 ? 2000 + year : 1900 + year;
-    const QString picture = locale.dateFormat(QLocale::ShortFormat);
-    const bool monthFirst = picture.indexOf(QLatin1Char('M')) < picture.indexOf(QLatin1Char('d'));
-    QDate date = monthFirst ? QDate(fullYear, day, month) : QDate(fullYear, month, day);
-    if (!date.isValid())
-        date = monthFirst ? QDate(fullYear, month, day) : QDate(fullYear, day, month);
-    if (!date.isValid())
-        return std::nullopt;
-    return date;
+    return dateFromText(day, month, year, locale);
 }
 
 std::optional<DeviceTimeReading> LitDateEtHeure(Device& device, const QLocale& locale) {

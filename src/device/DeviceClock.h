@@ -29,7 +29,8 @@ std::optional<DeviceTimeReading> LitDateEtHeure(Device& device,
                                                 const QLocale& locale = QLocale::system());
 
 // The device's date reply as the PC's regional settings read "dd/MM/yy":
-// the locale's day-month order first, the other order when that fails,
+// in the locale's order of day, month and year first (on a year-first
+// locale "21/11/26" is 26 November 2021), another order when that fails,
 // two-digit years windowed to 1930..2029.
 std::optional<QDate> parseDeviceDate(int day, int month, int year, const QLocale& locale);
 

@@ -4,6 +4,7 @@
 #include "FirmwareCheck.h"
 #include "LoaderStarter.h"
 #include "config/ConfigDocument.h"
+#include "config/OperatorText.h"
 #include "view/ConsoleView.h"
 #include "link/Dialogs.h"
 #include "link/PublicState.h"
@@ -54,12 +55,10 @@ void FirmwareUpdate::UpdateFirmware(bool demande) {
         }
         loader_.start(loaderCommandLine(QDir::toNativeSeparators(applicationDirectory_), langue(),
                                         state_.UsbID, path, verdict.versionText));
-    } catch (const ConfigError& e) {
-        // The old program died of an unusable config.xml; the operator now
-        // gets the reason and the window stays.
-        dialogs_.message(e.text(), QStringLiteral("Quorvel"), MsgBox::Critical);
     } catch (const std::exception& e) {
-        dialogs_.message(QString::fromStdString(e.what()), QStringLiteral("Quorvel"),
+        // The old program died of an unusable config.xml; the operator now
+        // gets the reason, in the language in use, and the window stays.
+        dialogs_.message(operatorText(e, config_, langue()), QStringLiteral("Quorvel"),
                          MsgBox::Critical);
     }
 }

@@ -157,6 +157,10 @@ Bytes FrameLink::LitReponseUsb(std::int16_t& longueur, const QString& message, b
 Bytes FrameLink::LitBrutUsb(int longueur, const QString& message, bool afficheErreur,
                             int /*reserve*/, const QString& titre) {
     Bytes result(static_cast<size_t>(longueur), 0);
+    // The raw read is the checked one without its pause and its check: after
+    // a silent device it reads nothing either.
+    if (state_.TimeOut)
+        return result;
     const QByteArray received = readTransfer(longueur);
     trace(TransferDirection::FromDevice, received,
           received.isEmpty() ? TransferOutcome::Silence : TransferOutcome::Answered, false,
@@ -228,10 +232,33 @@ QString TexteErreurApi(int code) {
     return raw.size() > 2 ? raw.left(raw.size() - 2) : QString();
 }
 
-QString defaultDateTimeText(const QDateTime& when) {
-    const QLocale locale = QLocale::system();
+namespace {
+
+// The locale's long time picture without its time zone: the zone is no part
+// of the platform's default rendering, and a date in a box title has none.
+QString longTimeWithoutZone(const QLocale& locale) {
+    const QString picture = locale.timeFormat(QLocale::LongFormat);
+    QString result;
+    bool quoted = false;
+    for (qsizetype i = 0; i < picture.size(); ++i) {
+        const QChar c = picture[i];
+        if (c == QLatin1Char('\''))
+            quoted = !quoted;
+        if (!quoted && c == QLatin1Char('t')) {
+            while (!result.isEmpty() && result.back().isSpace())
+                result.chop(1);
+            continue;
+        }
+        result += c;
+    }
+    return result.trimmed();
+}
+
+} // namespace
+
+QString defaultDateTimeText(const QDateTime& when, const QLocale& locale) {
     return locale.toString(when.date(), QLocale::ShortFormat) + QLatin1Char(' ') +
-           locale.toString(when.time(), QStringLiteral("HH:mm:ss"));
+           locale.toString(when.time(), longTimeWithoutZone(locale));
 }
 
 } // namespace qv

@@ -7,6 +7,7 @@
 #include "TransferRecord.h"
 
 #include <QDateTime>
+#include <QLocale>
 #include <QString>
 #include <cstdint>
 #include <functional>
@@ -85,7 +86,9 @@ private:
 // empty when the platform has none.
 QString TexteErreurApi(int code);
 
-// A date and time in the system's default text form: short date, long time.
-QString defaultDateTimeText(const QDateTime& when);
+// A date and time in the system's default text form: the locale's short
+// date and its long time, without a time zone ("11/23/26 7:04:40 PM" in
+// en_US, "23/11/2026 19:04:40" in fr_FR).
+QString defaultDateTimeText(const QDateTime& when, const QLocale& locale = QLocale());
 
 } // namespace qv

@@ -39,7 +39,8 @@ bool parseWait(const QString& option, const QString& value, int* out, QString* e
     return true;
 }
 
-std::unique_ptr<Bus> makeUsbBus(const QString& option, QString* error, BusReport report) {
+std::unique_ptr<Bus> makeUsbBus(const QString& option, QString* error, BusReport report,
+                                BusTexts texts) {
     QString idsPath;
     UsbBus::Settings settings;
     const QString options =
@@ -67,6 +68,7 @@ std::unique_ptr<Bus> makeUsbBus(const QString& option, QString* error, BusReport
     }
     settings.ids = std::move(*ids);
     settings.report = report ? std::move(report) : toStandardError();
+    settings.translate = std::move(texts);
     return std::make_unique<UsbBus>(std::move(settings));
 }
 
@@ -91,7 +93,8 @@ std::unique_ptr<Bus> makeTtyBus(const QString& option, QString* error) {
 
 } // namespace
 
-std::unique_ptr<Bus> makeBus(const QString& linkSpec, QString* error, BusReport report) {
+std::unique_ptr<Bus> makeBus(const QString& linkSpec, QString* error, BusReport report,
+                             BusTexts texts) {
     const QString option = linkSpec.trimmed();
     if (option == QStringLiteral("sim") || option.startsWith(QStringLiteral("sim:"))) {
         QString problem;
@@ -106,7 +109,7 @@ std::unique_ptr<Bus> makeBus(const QString& linkSpec, QString* error, BusReport 
         return bus;
     }
     if (option == QStringLiteral("usb") || option.startsWith(QStringLiteral("usb:")))
-        return makeUsbBus(option, error, std::move(report));
+        return makeUsbBus(option, error, std::move(report), std::move(texts));
     if (option.startsWith(QStringLiteral("tty:")))
         return makeTtyBus(option, error);
     fail(error, QStringLiteral("unknown link \"%1\": use usb, tty:PATTERN or sim[:key=value,...]")

@@ -3,6 +3,7 @@
 #include "config/ConfigDocument.h"
 #include "config/DateHelpers.h"
 #include "config/LocaleNumber.h"
+#include "config/OperatorText.h"
 #include "view/ConsoleView.h"
 #include "link/Dialogs.h"
 #include "programme/Conditions.h"
@@ -154,10 +155,8 @@ template <typename F> void ProgrammeEditor::guarded(F&& action) {
         QString text = QStringLiteral("La saisie n'est pas numérique");
         skip([&] { text = message(text); });
         box(text);
-    } catch (const ConfigError& e) {
-        box(e.text());
     } catch (const std::exception& e) {
-        box(QString::fromStdString(e.what()));
+        box(operatorText(e, config_, main_.langue()));
     }
 }
 
@@ -662,12 +661,14 @@ void ProgrammeEditor::EnregistrerProg_Click() {
         // it, so that a failed copy leaves the old file whole.
         QFile source(config_.configPath());
         if (!source.open(QIODevice::ReadOnly))
-            throw ConfigError(config_.configPath() + QStringLiteral(": ") + source.errorString());
+            throw Translated<ConfigError>(QStringLiteral("The file %1 cannot be read: %2"),
+                                          {config_.configPath(), source.errorString()});
         const QByteArray contenu = source.readAll();
         QSaveFile cible(chemin);
         if (!cible.open(QIODevice::WriteOnly) || cible.write(contenu) != contenu.size() ||
             !cible.commit())
-            throw ConfigError(chemin + QStringLiteral(": ") + cible.errorString());
+            throw Translated<ConfigError>(QStringLiteral("The file %1 cannot be written: %2"),
+                                          {chemin, cible.errorString()});
     });
 }
 
@@ -688,7 +689,8 @@ void ProgrammeEditor::DetruireProg_Click() {
         QFile fichier(chemin);
         fichier.setPermissions(fichier.permissions() | QFile::WriteOwner);
         if (!fichier.remove())
-            throw ConfigError(chemin + QStringLiteral(": ") + fichier.errorString());
+            throw Translated<ConfigError>(QStringLiteral("The file %1 cannot be deleted: %2"),
+                                          {chemin, fichier.errorString()});
         view_.setText(kNomFichier, QString());
     });
 }

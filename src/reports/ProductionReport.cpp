@@ -1,6 +1,7 @@
 #include "ProductionReport.h"
 
 #include "config/ConfigDocument.h"
+#include "config/OperatorText.h"
 #include "firmware/FileDialog.h"
 #include "link/Dialogs.h"
 #include "programme/DefaultStates.h"
@@ -143,12 +144,10 @@ void ProductionReport::PrintReport_Click() {
         appendReport(path, lines);
         if (hideForm_)
             hideForm_();
-    } catch (const ReportError& e) {
-        dialogs_.message(e.text(), QStringLiteral("Quorvel"), MsgBox::Critical);
-    } catch (const ConfigError& e) {
-        dialogs_.message(e.text(), QStringLiteral("Quorvel"), MsgBox::Critical);
     } catch (const std::exception& e) {
-        dialogs_.message(QString::fromStdString(e.what()), QStringLiteral("Quorvel"),
+        // The old form died of these; the operator now reads why, in the
+        // language in use, and the form stays.
+        dialogs_.message(operatorText(e, config_, langue()), QStringLiteral("Quorvel"),
                          MsgBox::Critical);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "config/DateHelpers.h"
 #include "config/LegacyNumber.h"
+#include "config/OperatorText.h"
 #include "device/Identity.h"
 
 #include <QDir>
@@ -43,8 +44,8 @@ VersionParts splitVersionCaption(const QString& caption) {
         return parts;
     const QStringList pieces = caption.split(QLatin1Char(')'));
     if (pieces.size() < 2)
-        throw ReportError(
-            QStringLiteral("The version \"%1\" does not name a hardware code.").arg(caption));
+        throw Translated<ReportError>(
+            QStringLiteral("The version \"%1\" does not name a hardware code."), {caption});
     QString code = pieces[0];
     code.remove(QLatin1Char('('));
     const auto value = parseLegacyNumber(code);
@@ -52,8 +53,8 @@ VersionParts splitVersionCaption(const QString& caption) {
     const double rounded = value ? std::nearbyint(*value) : 0;
     if (!value || rounded < std::numeric_limits<std::int32_t>::min() ||
         rounded > std::numeric_limits<std::int32_t>::max())
-        throw ReportError(
-            QStringLiteral("The version \"%1\" does not name a hardware code.").arg(caption));
+        throw Translated<ReportError>(
+            QStringLiteral("The version \"%1\" does not name a hardware code."), {caption});
     parts.hardwareCode = static_cast<int>(rounded);
     parts.versionText = pieces[1];
     return parts;
@@ -123,11 +124,11 @@ void appendReport(const QString& path, const QStringList& lines) {
         block += toWindows1252(line) + "\r\n";
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
-        throw ReportError(QStringLiteral("The report file %1 cannot be opened: %2")
-                              .arg(QDir::toNativeSeparators(path), file.errorString()));
+        throw Translated<ReportError>(QStringLiteral("The report file %1 cannot be opened: %2"),
+                                      {QDir::toNativeSeparators(path), file.errorString()});
     if (file.write(block) != block.size() || !file.flush())
-        throw ReportError(QStringLiteral("The report could not be written to %1: %2")
-                              .arg(QDir::toNativeSeparators(path), file.errorString()));
+        throw Translated<ReportError>(QStringLiteral("The report could not be written to %1: %2"),
+                                      {QDir::toNativeSeparators(path), file.errorString()});
 }
 
 } // namespace qv

@@ -131,5 +131,41 @@ TEST(FormatHeure, TwentyFourHoursWithoutMarker) {
     EXPECT_EQ(FormatDateCourte(kUs), "M/d/yy");
 }
 
+TEST(DateFromText, ReadInTheLocalesOrderThenInTheOthers) {
+    const QLocale french(QLocale::French, QLocale::France);
+    const QLocale us(QLocale::English, QLocale::UnitedStates);
+    const QLocale japan(QLocale::Japanese, QLocale::Japan);  // yyyy/MM/dd
+    const QLocale sweden(QLocale::Swedish, QLocale::Sweden); // yyyy-MM-dd
+    const QLocale hungary(QLocale::Hungarian, QLocale::Hungary);
+    EXPECT_EQ(dateOrder(french), DateOrder::DayMonthYear);
+    EXPECT_EQ(dateOrder(us), DateOrder::MonthDayYear);
+    EXPECT_EQ(dateOrder(japan), DateOrder::YearMonthDay);
+    EXPECT_EQ(dateOrder(sweden), DateOrder::YearMonthDay);
+    EXPECT_EQ(dateOrder(hungary), DateOrder::YearMonthDay);
+
+    const struct {
+        const char* text;
+        int a, b, c;
+        QLocale locale;
+        std::optional<QDate> date;
+    } cases[] = {
+        {"05/11/26 day first", 5, 11, 26, french, QDate(2026, 11, 5)},
+        {"05/11/26 month first", 5, 11, 26, us, QDate(2026, 5, 11)},
+        {"05/11/26 year first", 5, 11, 26, japan, QDate(2005, 11, 26)},
+        {"05/11/26 year first, dashes", 5, 11, 26, sweden, QDate(2005, 11, 26)},
+        {"21/11/26 month first falls back", 21, 11, 26, us, QDate(2026, 11, 21)},
+        {"05/13/26 year first falls back", 5, 13, 26, japan, QDate(2026, 5, 13)},
+        {"29/02/24 year first", 29, 2, 24, japan, QDate(2029, 2, 24)},
+        {"01/01/30 windowed", 1, 1, 30, french, QDate(1930, 1, 1)},
+        {"29/12/31 windowed", 29, 12, 31, japan, QDate(2029, 12, 31)},
+        {"00/00/00 no date", 0, 0, 0, japan, std::nullopt},
+        {"31/31/31 no date", 31, 31, 31, french, std::nullopt},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(dateFromText(c.a, c.b, c.c, c.locale), c.date);
+    }
+}
+
 } // namespace
 } // namespace qv

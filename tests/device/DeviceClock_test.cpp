@@ -31,6 +31,10 @@ TEST(DeviceClockTest, DatesAreReadInRegionalOrderWithFallback) {
     EXPECT_EQ(parseDeviceDate(3, 4, 26, us), QDate(2026, 3, 4));
     EXPECT_EQ(parseDeviceDate(1, 1, 30, french), QDate(1930, 1, 1));
     EXPECT_EQ(parseDeviceDate(0, 0, 0, french), std::nullopt);
+    // A year-first PC reads the first number as the year.
+    const QLocale japan(QLocale::Japanese, QLocale::Japan);
+    EXPECT_EQ(parseDeviceDate(5, 11, 26, japan), QDate(2005, 11, 26));
+    EXPECT_EQ(parseDeviceDate(21, 11, 26, japan), QDate(2021, 11, 26));
 }
 
 TEST_F(DeviceFixture, SetThenReadTheClock) {

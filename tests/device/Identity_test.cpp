@@ -39,6 +39,10 @@ TEST_F(DeviceFixture, LegacyProbeOnlyOldFirmwareAnswers) {
     EXPECT_EQ(LitVersionAvantV270(link, newId, recognised), QString());
     EXPECT_FALSE(recognised);
     EXPECT_TRUE(state.TimeOut);
+    // After a silent device the raw read reads nothing: the device list
+    // clears the flag before each probe.
+    EXPECT_EQ(LitVersionAvantV270(link, oldId, recognised), QString());
+    state.TimeOut = false;
     EXPECT_EQ(LitVersionAvantV270(link, oldId, recognised), QStringLiteral("Quorvel : (12) 2.60"));
     EXPECT_TRUE(recognised);
     EXPECT_FALSE(state.TimeOut);

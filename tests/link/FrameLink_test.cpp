@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
+#include <vector>
 
 namespace qv {
 namespace {
@@ -166,13 +168,52 @@ TEST_F(LinkFixture, UnopenableRefusingOrOutOfRangeFailsBeforeAnythingIsRead) {
 }
 
 TEST_F(LinkFixture, ReadAfterTimeOutReadsNothing) {
-    link.OuvreUsb(1);
-    state.TimeOut = true;
-    bus.replies.push_back(ScriptedBus::checked(QByteArray("\x01\x02", 2)));
+    // The checked read and the raw one alike: a reply that waits is left
+    // alone, and the zeroed result of the asked length comes back.
+    struct Case {
+        const char* name;
+        std::function<Bytes()> read;
+        Bytes expected;
+    };
     std::int16_t length = 2;
-    EXPECT_EQ(link.LitReponseUsb(length, QString(), false, 0, QString()), Bytes(4, 0));
+    const std::vector<Case> cases = {
+        {"checked", [&] { return link.LitReponseUsb(length, QString(), false, 0, QString()); },
+         Bytes(4, 0)},
+        {"raw", [&] { return link.LitBrutUsb(7, QStringLiteral("m"), true, 0, QString()); },
+         Bytes(7, 0)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        bus.replies.clear();
+        bus.readLengths.clear();
+        dialogs.clear();
+        link.OuvreUsb(1);
+        state.TimeOut = true;
+        bus.replies.push_back(QByteArray("\xF0\x02\x0C\x3C\x00\x00\x00", 7));
+        EXPECT_EQ(c.read(), c.expected);
+        EXPECT_TRUE(bus.readLengths.empty());
+        EXPECT_TRUE(state.TimeOut);
+        EXPECT_TRUE(dialogs.boxes().empty());
+    }
     EXPECT_EQ(length, 4);
-    EXPECT_TRUE(bus.readLengths.empty());
+}
+
+TEST(DefaultDateTimeText, TheLocalesOwnShortDateAndLongTimeWithoutZone) {
+    const QDateTime when(QDate(2026, 11, 23), QTime(19, 4, 40));
+    const struct {
+        QLocale locale;
+        QString text;
+    } cases[] = {
+        {QLocale(QLocale::English, QLocale::UnitedStates), QStringLiteral("11/23/26 7:04:40 PM")},
+        {QLocale(QLocale::French, QLocale::France), QStringLiteral("23/11/2026 19:04:40")},
+        {QLocale(QLocale::German, QLocale::Germany), QStringLiteral("23.11.26 19:04:40")},
+        {QLocale(QLocale::Japanese, QLocale::Japan),
+         QStringLiteral("2026/11/23 19\u664204\u520640\u79d2")},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.locale.name().toStdString());
+        EXPECT_EQ(defaultDateTimeText(when, c.locale), c.text);
+    }
 }
 
 TEST_F(LinkFixture, RawReadCopiesAnyBytesAndKeepsTheCheckFlag) {

@@ -140,6 +140,19 @@ TEST_F(QuorvelSimTest, FaultOptionsReachTheControllers) {
     EXPECT_EQ(again.status, 0) << again.err.toStdString();
 }
 
+TEST_F(QuorvelSimTest, ALateReplyIsNeverTakenForTheNextOne) {
+    // Whichever exchange of the run the late reply belongs to, every value
+    // read is the one asked for.
+    for (const int late : {1, 2, 3, 4, 5}) {
+        SCOPED_TRACE(late);
+        start(QStringLiteral("--serial 1234 --late %1 --lateMs 400").arg(late), 1);
+        const Outcome memory = ctl("eeprom read 16 4");
+        ASSERT_EQ(memory.status, 0) << memory.err.toStdString();
+        EXPECT_EQ(memory.out, QStringLiteral("16 210\n17 4\n18 0\n19 0\n"));
+        EXPECT_EQ(stop(SIGTERM), 0);
+    }
+}
+
 TEST_F(QuorvelSimTest, AControllerProcessKilledMidExchangeGivesTimeOutNotAHang) {
     const QString trace = dir.filePath(QStringLiteral("trace.txt"));
     start("--trace " + trace, 1);

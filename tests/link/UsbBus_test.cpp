@@ -220,11 +220,53 @@ TEST_F(UsbLinkTest, ASilentDeviceGivesTimeOutAfterThreeBoundedWaits) {
     EXPECT_FALSE(state.CRCError);
     ASSERT_EQ(dialogs.boxes().size(), 1u);
     EXPECT_EQ(dialogs.boxes()[0].text, QStringLiteral("Quorvel Absent (Time Out)"));
-    // Every request arrived, and every read was given up after its wait.
+    // Every request arrived, and every read was given up after its wait, as
+    // was the look for stale input before each write.
     EXPECT_EQ(usb.counts(path).bulkOut, 3);
-    EXPECT_EQ(usb.counts(path).discarded, 3);
+    EXPECT_EQ(usb.counts(path).discarded, 6);
     EXPECT_GE(elapsed, 3 * kReadWaitMs);
     EXPECT_LT(elapsed, 3 * (kReadWaitMs + 2 * FrameLink::kPauseMs) + 1500);
+}
+
+TEST_F(UsbLinkTest, AReplyThatComesAfterItsReadIsNeverTakenForTheNextOne) {
+    // Serial 1234 is D2 04 00 00 at addresses 16 to 19.
+    UsbMockBus::Controller c = controller(2, QByteArray("LATE"));
+    c.firmware.serial = 1234;
+    const struct {
+        const char* what;
+        int late;
+        int attemptsForFirst;
+    } cases[] = {{"every reply on time", 0, 1}, {"the first reply late", 1, 2}};
+    for (const auto& k : cases) {
+        SCOPED_TRACE(k.what);
+        c.late = k.late;
+        c.address += 10;
+        c.port += 1;
+        const QString path = usb.plug(c);
+        auto bus = makeBus();
+        auto link = linkOver(*bus);
+        ASSERT_EQ(bus->deviceCount(), 1);
+        const std::int32_t id = bus->uniqueId(0);
+        const auto eeprom = [&](int address, std::int16_t& length) {
+            Bytes reply;
+            length = 2;
+            const bool ok = link->EchangeUsb(id, {0xFE, address}, 16, reply, length,
+                                             QStringLiteral("Quorvel Absent"), true, QString());
+            return ok ? reply.at(1) : -1;
+        };
+        std::int16_t length = 0;
+        EXPECT_EQ(eeprom(16, length), 0xD2);
+        EXPECT_EQ(length, 2 + 2 * k.attemptsForFirst);
+        // The first request's second reply is still on its way when the
+        // next request goes out; it must not stand for the answer.
+        EXPECT_EQ(eeprom(17, length), 0x04);
+        EXPECT_EQ(length, 4);
+        EXPECT_EQ(eeprom(18, length), 0x00);
+        EXPECT_EQ(usb.counts(path).bulkOut, 2 + k.attemptsForFirst);
+        EXPECT_TRUE(dialogs.boxes().empty());
+        usb.unplug(path);
+        ASSERT_TRUE(eventually([&] { return bus->deviceCount() == 0; }));
+    }
 }
 
 TEST_F(UsbBusTest, ADeviceThatGoesAwayFailsAtOnce) {

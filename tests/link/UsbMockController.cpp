@@ -38,13 +38,18 @@ QByteArray descriptors(const UsbMockBus::Controller& c) {
 
 struct UsbMockBus::Impl {
     struct Device {
-        explicit Device(const Controller& c) : setup(c), firmware(c.firmware) {}
+        explicit Device(const Controller& c)
+            : setup(c), firmware(c.firmware), repliesBeforeLate(c.late) {}
         Controller setup;
         qv::SimDevice firmware;
         QString syspath;
         QString node;
         bool plugged = true;
-        std::optional<QByteArray> reply;
+        // What the device has put in its IN endpoint, oldest first. A new
+        // request cannot take back what is there: the host must read it.
+        std::deque<QByteArray> replies;
+        int repliesBeforeLate = 0; // counts down to the late reply
+        std::optional<QByteArray> late;
         UMockdevIoctlClient* claimedBy = nullptr;
         Counts counts;
         QByteArray lastReceived;
@@ -84,12 +89,13 @@ struct UsbMockBus::Impl {
         UMockdevIoctlData* buffer =
             umockdev_ioctl_data_resolve(urbData, offsetof(usbdevfs_urb, buffer),
                                         static_cast<gsize>(urb->buffer_length), &error);
-        const int n = std::min(static_cast<int>(d.reply->size()), urb->buffer_length);
+        const QByteArray reply = d.replies.front();
+        d.replies.pop_front();
+        const int n = std::min(static_cast<int>(reply.size()), urb->buffer_length);
         if (buffer)
-            std::memcpy(buffer->data, d.reply->constData(), static_cast<size_t>(n));
+            std::memcpy(buffer->data, reply.constData(), static_cast<size_t>(n));
         urb->actual_length = n;
         urb->status = 0;
-        d.reply.reset();
     }
 
     void control(Device& d, UMockdevIoctlData* urbData) {
@@ -146,15 +152,17 @@ struct UsbMockBus::Impl {
             QByteArray transfer(reinterpret_cast<const char*>(buffer ? buffer->data : nullptr),
                                 buffer ? urb->buffer_length : 0);
             d.lastReceived = transfer;
-            // A new request makes any unread answer stale.
-            d.reply.reset();
             const auto outcome = d.firmware.receive(transfer, QDateTime::currentMSecsSinceEpoch());
-            if (outcome.reply && !d.setup.silent)
-                d.reply = *outcome.reply;
+            if (outcome.reply && !d.setup.silent) {
+                if (d.repliesBeforeLate > 0 && --d.repliesBeforeLate == 0)
+                    d.late = *outcome.reply;
+                else
+                    d.replies.push_back(*outcome.reply);
+            }
             urb->actual_length = urb->buffer_length;
             urb->status = 0;
             auto& waiting = d.waitingIn[client];
-            if (d.reply && !waiting.empty()) {
+            if (!d.replies.empty() && !waiting.empty()) {
                 UMockdevIoctlData* in = waiting.front();
                 waiting.erase(waiting.begin());
                 fillIn(d, in);
@@ -162,7 +170,7 @@ struct UsbMockBus::Impl {
             }
         } else if (urb->type == USBDEVFS_URB_TYPE_BULK && urb->endpoint == 0x81) {
             ++d.counts.bulkIn;
-            if (!d.reply) {
+            if (d.replies.empty()) {
                 d.waitingIn[client].push_back(urbData);
                 return 0;
             }
@@ -188,6 +196,11 @@ struct UsbMockBus::Impl {
             urbOf(urbData)->actual_length = 0;
             ++d.counts.discarded;
             d.reapable[client].push_back(urbData);
+            // The late reply comes just after the host stopped waiting.
+            if (d.late) {
+                d.replies.push_back(*d.late);
+                d.late.reset();
+            }
             return 0;
         }
         return -EINVAL;

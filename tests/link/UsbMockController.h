@@ -25,6 +25,9 @@ public:
         qv::SimDeviceConfig firmware;
         bool silent = false;    // takes every transfer, answers none
         bool claimBusy = false; // its interface is held elsewhere
+        // The Nth reply (from 1; 0 for none) comes late: only once the
+        // read that waited for it has been given up.
+        int late = 0;
     };
 
     // What the fake kernel saw of one device.

@@ -4,6 +4,8 @@
 #include "programme/DefaultStates.h"
 #include "reports/ProductionReport.h"
 
+#include <QDir>
+
 namespace qv::test {
 namespace {
 
@@ -218,15 +220,30 @@ TEST_F(ProductionReportTest, ReportFormTakesItsCaptionsInTheLanguageInUse) {
         << "a text box keeps its text";
 }
 
-TEST_F(ProductionReportTest, ReportThatCannotBeWrittenTellsWhyAndStaysOpen) {
-    fileDialog.answer = [this](const FileDialog::Request&) {
-        return dir.filePath(QStringLiteral("no such folder/r.log"));
-    };
-    report->PrintReport_Click();
-    ASSERT_EQ(dialogs.boxes().size(), 1u);
-    EXPECT_EQ(dialogs.boxes()[0].title, QStringLiteral("Quorvel"));
-    EXPECT_EQ(dialogs.boxes()[0].style, MsgBox::Critical);
-    EXPECT_EQ(hidden, 0);
+TEST_F(ProductionReportTest, ReportThatCannotBeWrittenTellsWhyInTheLanguageInUseAndStaysOpen) {
+    startWithDevice();
+    const QString path = dir.filePath(QStringLiteral("no such folder/r.log"));
+    fileDialog.answer = [&](const FileDialog::Request&) { return path; };
+    const struct {
+        int row;
+        const char* start;
+    } cases[] = {{0, "The report file "}, {1, "Le fichier de rapport "}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.row);
+        view.setCurrentRow(QStringLiteral("ListeLangues"), c.row);
+        logic->ListeLangues_Click();
+        // The switch leaves "--" in the value fields until the next read.
+        logic->Lire_Click();
+        dialogs.clear();
+        report->PrintReport_Click();
+        ASSERT_EQ(dialogs.boxes().size(), 1u);
+        const QString text = dialogs.boxes()[0].text;
+        EXPECT_TRUE(text.startsWith(QString::fromUtf8(c.start))) << text.toStdString();
+        EXPECT_TRUE(text.contains(QDir::toNativeSeparators(path))) << text.toStdString();
+        EXPECT_EQ(dialogs.boxes()[0].title, QStringLiteral("Quorvel"));
+        EXPECT_EQ(dialogs.boxes()[0].style, MsgBox::Critical);
+        EXPECT_EQ(hidden, 0);
+    }
 }
 
 } // namespace

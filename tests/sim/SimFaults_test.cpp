@@ -88,5 +88,57 @@ TEST_F(SimFaults, ReadWaitSleepsOnlyOnASilentDevice) {
     EXPECT_EQ(sleeps, std::vector<int>{25});
 }
 
+TEST_F(SimFaults, ALateReplyComesJustAfterItsReadAndANewRequestMakesItStale) {
+    SimDeviceConfig config;
+    config.serial = 1234; // D2 04 00 00 at 16..19
+    const std::int32_t id = add(config);
+    std::vector<int> sleeps;
+    bus.setSleep([&](int ms) { sleeps.push_back(ms); });
+    bus.setReadWait(25);
+    ASSERT_TRUE(bus.delayReply(id, 2));
+    EXPECT_EQ(answer(id, {0xFE, 16, 0}), 0xD2) << "the first reply is on time";
+
+    auto handle = bus.open(id);
+    ASSERT_TRUE(handle->write(checkedFrame({0xFE, 17, 0})));
+    EXPECT_TRUE(handle->read(64).isEmpty()) << "the read waits its time in vain";
+    EXPECT_EQ(sleeps, std::vector<int>{25});
+    EXPECT_TRUE(bus.takeLateArrival(id));
+    EXPECT_FALSE(bus.takeLateArrival(id)) << "told once";
+    const QByteArray late = handle->read(64);
+    ASSERT_EQ(late.size(), 4) << "then it stands ready";
+    EXPECT_EQ(at(late, 1), 0x04);
+
+    // Unread, it goes stale at the next request, and later replies are on time.
+    ASSERT_TRUE(bus.delayReply(id, 1));
+    ASSERT_TRUE(handle->write(checkedFrame({0xFE, 16, 0})));
+    EXPECT_TRUE(handle->read(64).isEmpty());
+    EXPECT_EQ(answer(id, {0xFE, 18, 0}), 0x00);
+    EXPECT_EQ(answer(id, {0xFE, 17, 0}), 0x04);
+    EXPECT_FALSE(bus.delayReply(77, 1));
+}
+
+TEST_F(SimFaults, TheLinkOverALateReplyRetriesAndEveryValueIsItsOwn) {
+    SimDeviceConfig config;
+    config.serial = 1234;
+    const std::int32_t id = add(config);
+    bus.setSleep([](int) {});
+    bus.setReadWait(25);
+    ASSERT_TRUE(bus.delayReply(id, 1));
+    RecordingDialogs dialogs;
+    PublicState state;
+    FrameLink link(bus, dialogs, state);
+    link.setPause([](int) {});
+    const std::pair<int, int> expected[] = {{16, 0xD2}, {17, 0x04}, {18, 0x00}, {16, 0xD2}};
+    for (const auto& [address, value] : expected) {
+        SCOPED_TRACE(address);
+        Bytes reply;
+        std::int16_t length = 2;
+        ASSERT_TRUE(
+            link.EchangeUsb(id, {0xFE, address}, 16, reply, length, QString(), true, QString()));
+        EXPECT_EQ(reply.at(1), value);
+    }
+    EXPECT_TRUE(dialogs.boxes().empty());
+}
+
 } // namespace
 } // namespace qv::test

@@ -13,7 +13,7 @@ TEST(SimOptions, EveryKeyFillsItsFieldAndPrefixesGiveTheDefaults) {
         QStringLiteral("devices=2,firmware=2.60,hardware=4,serial=1234,bootloader=2.1,"
                        "battery=800,state=/tmp/s.json,autosave=0,trace=/tmp/t.log,drop=1,"
                        "dropRate=0.1,seed=9,corrupt=2,short=3,shortLength=4,unplugged=1,"
-                       "restartMs=50,readWaitMs=20"),
+                       "restartMs=50,readWaitMs=20,late=2,lateMs=300"),
         &error);
     ASSERT_TRUE(o.has_value()) << error.toStdString();
     QString fields;
@@ -22,9 +22,10 @@ TEST(SimOptions, EveryKeyFillsItsFieldAndPrefixesGiveTheDefaults) {
                          << o->statePath << ' ' << o->autosave << ' ' << o->tracePath << ' '
                          << o->drop << ' ' << o->dropRate << ' ' << o->seed << ' ' << o->corrupt
                          << ' ' << o->shortCount << ' ' << o->shortLength << ' ' << *o->unplugged
-                         << ' ' << o->restartMs << ' ' << o->readWaitMs;
+                         << ' ' << o->restartMs << ' ' << o->readWaitMs << ' ' << o->late << ' '
+                         << o->lateMs;
     EXPECT_EQ(fields.toStdString(),
-              "2 2.60 4 1234 2.1 800 /tmp/s.json 0 /tmp/t.log 1 0.1 9 2 3 4 1 50 20");
+              "2 2.60 4 1234 2.1 800 /tmp/s.json 0 /tmp/t.log 1 0.1 9 2 3 4 1 50 20 2 300");
 
     for (const char* text : {"", "sim", "sim:", ":", "sim:devices=1,"}) {
         const auto options = parseSimOptions(QString::fromLatin1(text));
@@ -52,6 +53,8 @@ TEST(SimOptions, BadKeysAndValuesNameTheCulprit) {
                                         {"dropRate=1.5", "dropRate"},
                                         {"dropRate=nan", "dropRate"},
                                         {"drop=-1", "drop"},
+                                        {"late=-2", "late"},
+                                        {"lateMs=70000", "lateMs"},
                                         {"autosave=maybe", "autosave"},
                                         {"bootloader=13", "13"}}) {
         QString error;

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <libusb.h>
 #include <map>
 #include <mutex>
@@ -50,18 +51,26 @@ QString libusbText(int error) {
     return QString::fromUtf8(libusb_strerror(static_cast<libusb_error>(error)));
 }
 
+// The wording of `key` in the language in use; the key itself is English.
+QString wording(const std::function<QString(const QString&)>& translate, const QString& key) {
+    const QString text = translate ? translate(key) : QString();
+    return text.isEmpty() ? key : text;
+}
+
 QString hex4(unsigned value) {
     return QStringLiteral("%1").arg(value, 4, 16, QLatin1Char('0'));
 }
 
 } // namespace
 
-QString usbPermissionAdvice(const QString& device) {
-    return QStringLiteral(
-               "no permission to open the USB controller %1. Install the udev rule that "
-               "comes with quorvel (60-quorvel.rules, in %2) into /etc/udev/rules.d/, run "
-               "\"udevadm control --reload\" and \"udevadm trigger\" as root, then plug the "
-               "controller in again. See README, \"USB permissions\".")
+QString usbPermissionAdvice(const QString& device,
+                            const std::function<QString(const QString&)>& translate) {
+    return wording(translate,
+                   QStringLiteral(
+                       "no permission to open the USB controller %1. Install the udev rule that "
+                       "comes with quorvel (60-quorvel.rules, in %2) into /etc/udev/rules.d/, "
+                       "run \"udevadm control --reload\" and \"udevadm trigger\" as root, then "
+                       "plug the controller in again. See README, \"USB permissions\"."))
         .arg(device, QStringLiteral(QUORVEL_INSTALLED_DATA_DIR));
 }
 
@@ -112,6 +121,8 @@ struct UsbBus::Core {
             libusb_exit(context);
     }
 
+    QString text(const QString& key) const { return wording(settings.translate, key); }
+
     void tell(const QString& text) {
         if (!told.insert(text).second)
             return;
@@ -150,7 +161,7 @@ struct UsbBus::Core {
         const int opened = libusb_open(device, &handle);
         if (opened != LIBUSB_SUCCESS) {
             if (opened == LIBUSB_ERROR_ACCESS)
-                tell(usbPermissionAdvice(describe(descriptor, location)));
+                tell(usbPermissionAdvice(describe(descriptor, location), settings.translate));
             return {};
         }
         unsigned char text[256] = {};
@@ -176,7 +187,7 @@ struct UsbBus::Core {
         libusb_device** devices = nullptr;
         const ssize_t count = libusb_get_device_list(context, &devices);
         if (count < 0) {
-            tell(QStringLiteral("the USB devices cannot be listed: %1")
+            tell(text(QStringLiteral("the USB devices cannot be listed: %1"))
                      .arg(libusbText(static_cast<int>(count))));
             return found;
         }
@@ -233,6 +244,7 @@ public:
     explicit UsbHandle(std::shared_ptr<OpenDevice> device) : device_(std::move(device)) {}
 
     bool write(const QByteArray& transfer) override {
+        drainPendingInput();
         QByteArray bytes = transfer;
         int done = 0;
         const int result = libusb_bulk_transfer(
@@ -265,6 +277,30 @@ public:
     int lastError() const override { return lastError_; }
 
 private:
+    // What the device sends in the meantime answers an earlier request: a
+    // reply that came after its read had given up. Left there, it would be
+    // taken as the reply to this write (a short one, padded with zeros,
+    // still checks). So it is read and thrown away first, as the serial
+    // link empties its input; a device that keeps talking cannot hold the
+    // write up for longer than the bound.
+    void drainPendingInput() {
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(UsbBus::kDrainLimitMs);
+        unsigned char buffer[kDrainBuffer];
+        while (std::chrono::steady_clock::now() < deadline) {
+            int done = 0;
+            const int result =
+                libusb_bulk_transfer(device_->handle, device_->entry.inEndpoint, buffer,
+                                     kDrainBuffer, &done, UsbBus::kDrainWaitMs);
+            settle(result, device_->entry.inEndpoint);
+            if ((result != LIBUSB_SUCCESS && result != LIBUSB_ERROR_OVERFLOW) || done <= 0)
+                return;
+        }
+    }
+
+    // Larger than any packet, so that a whole one is taken at a time.
+    static constexpr int kDrainBuffer = 512;
+
     // A stalled endpoint stays stalled until told otherwise; the next
     // attempt should find it usable.
     void settle(int result, std::uint8_t endpoint) {
@@ -296,24 +332,24 @@ std::unique_ptr<BusHandle> openListed(const std::shared_ptr<UsbBus::Core>& core,
     const int opened = libusb_open(l->device, &handle);
     if (opened != LIBUSB_SUCCESS) {
         if (opened == LIBUSB_ERROR_ACCESS)
-            core->tell(usbPermissionAdvice(name));
+            core->tell(usbPermissionAdvice(name, core->settings.translate));
         return nullptr;
     }
     const int claimed = libusb_claim_interface(handle, l->entry.interfaceNumber);
     if (claimed != LIBUSB_SUCCESS) {
         libusb_close(handle);
         if (claimed == LIBUSB_ERROR_BUSY)
-            core->tell(QStringLiteral("interface %1 of the USB controller %2 is held by another "
-                                      "program or by a kernel driver; a controller that shows "
-                                      "up as /dev/ttyACM* is reached with --link "
-                                      "tty:/dev/ttyACM*")
+            core->tell(core->text(QStringLiteral("interface %1 of the USB controller %2 is held by "
+                                                 "another program or by a kernel driver; a "
+                                                 "controller that shows up as /dev/ttyACM* is "
+                                                 "reached with --link tty:/dev/ttyACM*"))
                            .arg(l->entry.interfaceNumber)
                            .arg(name));
         else if (claimed == LIBUSB_ERROR_ACCESS)
-            core->tell(usbPermissionAdvice(name));
+            core->tell(usbPermissionAdvice(name, core->settings.translate));
         else if (claimed == LIBUSB_ERROR_NOT_FOUND)
-            core->tell(QStringLiteral("the USB controller %1 has no interface %2; check its "
-                                      "line in the USB id table")
+            core->tell(core->text(QStringLiteral("the USB controller %1 has no interface %2; check "
+                                                 "its line in the USB id table"))
                            .arg(name)
                            .arg(l->entry.interfaceNumber));
         return nullptr;
@@ -337,8 +373,9 @@ UsbBus::UsbBus(Settings settings) : core_(std::make_shared<Core>()) {
     const int result = libusb_init(&core_->context);
     if (result != LIBUSB_SUCCESS) {
         core_->context = nullptr;
-        core_->tell(QStringLiteral("USB cannot be used on this system (%1); no controller on "
-                                   "USB will be listed")
+        core_->tell(core_
+                        ->text(QStringLiteral("USB cannot be used on this system (%1); no "
+                                              "controller on USB will be listed"))
                         .arg(libusbText(result)));
     }
 }

@@ -12,7 +12,8 @@ namespace qv {
 
 // Controllers on USB through libusb: the devices that the id table
 // recognises, each spoken to by one bulk transfer per frame on the table's
-// interface and endpoints.
+// interface and endpoints. Input that arrived after a read had given up is
+// thrown away before the next write.
 //
 // A device's id comes from its serial-number string when it has one, else
 // from the bus and port it is plugged into, so it survives refreshes and a
@@ -26,6 +27,11 @@ class UsbBus : public Bus {
 public:
     static constexpr int kDefaultReadWaitMs = 250;
     static constexpr int kDefaultWriteWaitMs = 1000;
+    // Before each write, input that arrived since the last read is taken
+    // and thrown away: each look for it waits this long, and all of them
+    // together stop after the limit.
+    static constexpr unsigned kDrainWaitMs = 2;
+    static constexpr int kDrainLimitMs = 50;
 
     struct Settings {
         std::vector<UsbIdEntry> ids = defaultUsbIds();
@@ -37,6 +43,10 @@ public:
         // device, an interface held by someone else, no USB at all. Each
         // distinct problem is told once per bus.
         std::function<void(const QString& text)> report;
+        // The wording of a report in the language in use, from the English
+        // wording (config.xml's key), with %1, %2... for the details; the
+        // English wording when none is given.
+        std::function<QString(const QString& key)> translate;
     };
 
     explicit UsbBus(Settings settings);
@@ -61,6 +71,7 @@ private:
 
 // The text told when a device cannot be opened for lack of permission: what
 // to install and how. Public for the tests and the documentation.
-QString usbPermissionAdvice(const QString& device);
+QString usbPermissionAdvice(const QString& device,
+                            const std::function<QString(const QString& key)>& translate = {});
 
 } // namespace qv

@@ -170,7 +170,7 @@ bool ProgrammationWindow::choisirImprimante() {
 void ProgrammationWindow::imprimer(const ProgrammePrintout& printout) {
     QPainter painter;
     if (!painter.begin(&printer()))
-        throw std::runtime_error("The printer could not be started.");
+        throw Translated<OperatorError>(QStringLiteral("The printer could not be started."));
     renderPrintout(painter, printout);
     painter.end();
 }
@@ -208,7 +208,14 @@ void ProgrammationWindow::ImprimerPdf_Click() {
     if (path.isEmpty())
         return;
     QString error;
-    if (!printProgrammeToPdf(editor_->contenuImpression(), path, &error))
+    const TextLookup lookup = [this](const QString& key) {
+        try {
+            return editor_->message(key);
+        } catch (const std::exception&) {
+            return key;
+        }
+    };
+    if (!printProgrammeToPdf(editor_->contenuImpression(), path, &error, lookup))
         dialogs_.message(error, QStringLiteral("Quorvel"), MsgBox::Critical);
 }
 

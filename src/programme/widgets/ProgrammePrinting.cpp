@@ -40,12 +40,16 @@ void renderPrintout(QPainter& painter, const ProgrammePrintout& printout) {
     }
 }
 
-bool printProgrammeToPdf(const ProgrammePrintout& printout, const QString& pdfPath,
-                         QString* error) {
+bool printProgrammeToPdf(const ProgrammePrintout& printout, const QString& pdfPath, QString* error,
+                         const TextLookup& lookup) {
     const auto fail = [error](const QString& why) {
         if (error)
             *error = why;
         return false;
+    };
+    const auto unwritable = [&] {
+        return fail(TranslatableText(QStringLiteral("The file %1 cannot be written."), {pdfPath})
+                        .in(lookup));
     };
     if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
         return fail(QStringLiteral("printing needs a graphical application object "
@@ -59,13 +63,13 @@ bool printProgrammeToPdf(const ProgrammePrintout& printout, const QString& pdfPa
         writer.setTitle(printout.heading.section(QLatin1Char('\t'), 1).trimmed());
         QPainter painter;
         if (!painter.begin(&writer))
-            return fail(pdfPath + QStringLiteral(": cannot be written"));
+            return unwritable();
         renderPrintout(painter, printout);
         if (!painter.end())
-            return fail(pdfPath + QStringLiteral(": cannot be written"));
+            return unwritable();
     }
     if (QFileInfo(pdfPath).size() <= 0)
-        return fail(pdfPath + QStringLiteral(": cannot be written"));
+        return unwritable();
     return true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/OperatorText.h"
+
 #include "programme/ProgrammePrintout.h"
 
 #include <QFont>
@@ -29,9 +31,10 @@ void renderPrintout(QPainter& painter, const ProgrammePrintout& printout);
 
 // Writes the page to a PDF file (A4). Needs a QGuiApplication, with any
 // platform (QT_QPA_PLATFORM=offscreen runs without a display). false, with
-// the reason in `error` when given, when the file can't be written.
+// the reason in `error` when given, when the file can't be written; the
+// reason in the language of `lookup` when given, in English otherwise.
 bool printProgrammeToPdf(const ProgrammePrintout& printout, const QString& pdfPath,
-                         QString* error = nullptr);
+                         QString* error = nullptr, const TextLookup& lookup = {});
 // The same from the programme and its texts (see printoutTextsFromConfig()
 // for printing without the window).
 bool printProgrammeToPdf(const Conditions& conditions, const PrintoutTexts& texts,

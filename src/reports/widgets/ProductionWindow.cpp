@@ -38,9 +38,13 @@ void installProductionReport(MainScreenWindow& main, ConfigDocument& config,
                              FileDialog& fileDialog) {
     auto form = std::make_shared<QPointer<ProductionWindow>>();
     main.setProductionOpener([&main, &config, &fileDialog, form] {
-        if (!*form)
+        // Hidden, never unloaded, between showings: the form keeps the
+        // language of its first showing, as the other forms keep theirs
+        // until they load again.
+        if (!*form) {
             *form = new ProductionWindow(main, config, fileDialog, &main);
-        (*form)->load();
+            (*form)->load();
+        }
         (*form)->open();
     });
 }

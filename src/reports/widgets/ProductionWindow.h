@@ -30,8 +30,9 @@ public:
                      QWidget* parent = nullptr);
     ~ProductionWindow() override;
 
-    // Before each showing: the captions in the language the main window
-    // shows at this moment, and its name for the report as the title.
+    // The form's load, before its first showing only: the captions in the
+    // language the main window shows at that moment, and its name for the
+    // report as the title.
     void load();
 
     ProductionReport& report() { return *report_; }
@@ -45,8 +46,8 @@ private:
 };
 
 // Makes the main window's mnurapport open the report form, modal over it.
-// The form is made at the first opening and lives as long as the main
-// window; `fileDialog` asks where the report goes.
+// The form is made and translated at the first opening and lives as long as
+// the main window; `fileDialog` asks where the report goes.
 void installProductionReport(MainScreenWindow& main, ConfigDocument& config,
                              FileDialog& fileDialog);
 

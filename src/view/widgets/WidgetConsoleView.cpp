@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateTimeEdit>
+#include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -24,6 +25,17 @@ namespace qv {
 namespace {
 
 constexpr int kItemDataRole = Qt::UserRole;
+
+// A dialog parented to the form (the report form, the editor) is a form of
+// its own, with its own controls and its own translation. Menus are windows
+// too, but their entries belong to the form.
+bool inAnotherForm(const QObject* object, const QWidget* root) {
+    for (const QObject* o = object; o && o != root; o = o->parent()) {
+        if (qobject_cast<const QDialog*>(o))
+            return true;
+    }
+    return false;
+}
 
 bool internalName(const QString& name) {
     return name.isEmpty() || name.startsWith(QLatin1String("qt_"));
@@ -363,6 +375,8 @@ std::vector<ConsoleView::Control> WidgetConsoleView::controls() const {
         if (internalName(name) || seen.contains(name))
             continue;
         if (!qobject_cast<const QWidget*>(object) && !qobject_cast<const QAction*>(object))
+            continue;
+        if (inAnotherForm(object, root_))
             continue;
         seen.insert(name);
         list.push_back({name, kindOf(object)});
