@@ -196,7 +196,7 @@ QString commissionStepName(CommissionStep step) {
     case CommissionStep::Download:
         return QStringLiteral("Programme download");
     case CommissionStep::SerialNumber:
-        return QStringLiteral("Serial number");
+        return QStringLiteral("Writing the serial number");
     case CommissionStep::Restart:
         return QStringLiteral("Restart");
     case CommissionStep::ReadBack:
@@ -206,7 +206,7 @@ QString commissionStepName(CommissionStep step) {
     case CommissionStep::Report:
         return QStringLiteral("Report");
     case CommissionStep::Done:
-        return QStringLiteral("Done");
+        return QStringLiteral("Succeeded");
     }
     return QString();
 }
