@@ -26,8 +26,8 @@ TEST(SimConcurrency, AReadWaitingOnOneDeviceHoldsUpNoOtherDevice) {
         std::unique_lock lock(mutex);
         waiting = true;
         cv.notify_all();
-        // Held until the other device has been served, or a second passes.
-        cv.wait_for(lock, std::chrono::seconds(1), [&] { return released; });
+        // Held until the other device has been served (ten seconds at most).
+        cv.wait_for(lock, std::chrono::seconds(10), [&] { return released; });
     });
 
     std::thread reader([&] {
