@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <mutex>
 #include <stdexcept>
@@ -77,11 +78,13 @@ public:
         std::lock_guard lock(mutex_);
         board_.update(static_cast<int>(index),
                       o.ok ? QStringLiteral("ok") : QStringLiteral("failed"));
-        if (s_.json)
-            printJson(outcomeJson(s_, o));
-        else
-            printLine(outcomeLine(s_, o));
-        std::fflush(stdout);
+        // Through the board, which may share the terminal with standard
+        // output.
+        const QString line =
+            s_.json ? QString::fromUtf8(
+                          QJsonDocument(outcomeJson(s_, o)).toJson(QJsonDocument::Compact))
+                    : outcomeLine(s_, o);
+        board_.print(stdout, line);
     }
     void runEnded() override {}
 

@@ -38,15 +38,20 @@ void ProgressBoard::update(int line, const QString& status) {
 }
 
 void ProgressBoard::message(const QString& text) {
+    print(out_, text);
+}
+
+void ProgressBoard::print(std::FILE* stream, const QString& text) {
     std::lock_guard lock(mutex_);
     if (inPlace_ && drawn_) {
         std::fprintf(out_, "\x1b[%lldA\r\x1b[J", static_cast<long long>(labels_.size()));
+        std::fflush(out_);
         drawn_ = false;
     }
-    std::fprintf(out_, "%s\n", qUtf8Printable(text));
+    std::fprintf(stream, "%s\n", qUtf8Printable(text));
+    std::fflush(stream);
     if (inPlace_)
         draw();
-    std::fflush(out_);
 }
 
 void ProgressBoard::finish() {

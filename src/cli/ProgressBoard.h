@@ -18,6 +18,9 @@ public:
 
     void update(int line, const QString& status);
     void message(const QString& text);
+    // A line for another stream (standard output) that shares the terminal:
+    // printed above the board, which is drawn again under it.
+    void print(std::FILE* stream, const QString& text);
     // Leaves the cursor under the board.
     void finish();
 
