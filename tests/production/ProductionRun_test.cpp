@@ -63,9 +63,9 @@ protected:
     }
 
     std::vector<CommissionOutcome> run(std::optional<std::int64_t> serialFrom,
-                                       bool stopFirst = false) {
-        ProductionRun production(bus, folder.configPath(), QStringLiteral("English"), job, ids,
-                                 serialFrom);
+                                       bool stopFirst = false,
+                                       const QString& language = QStringLiteral("English")) {
+        ProductionRun production(bus, folder.configPath(), language, job, ids, serialFrom);
         production.setLinkSetup([](FrameLink& link) { link.setPause([](int) {}); });
         if (stopFirst)
             production.stop();
@@ -190,6 +190,17 @@ TEST_F(ProductionRunTest, StopBeforeTheFirstStepTouchesNoController) {
     for (std::int32_t id : ids)
         EXPECT_TRUE(bus.traceLines(id).isEmpty());
     EXPECT_FALSE(QFile::exists(folder.logPath(QStringLiteral("4711"))));
+}
+
+TEST_F(ProductionRunTest, TheReportsAndMessagesAreInTheLanguageOfTheBench) {
+    bus.unplugAfter(ids[1], 0);
+    const auto outcomes = run(std::nullopt, false, QStringLiteral("Français"));
+    EXPECT_TRUE(outcomes[0].ok) << outcomes[0].failure.toStdString();
+    EXPECT_EQ(outcomes[1].failure, QStringLiteral("Quorvel absent ou ne répond pas (Time Out)"));
+    const auto blocks = test::reportBlocks(folder.logPath(QStringLiteral("4711")));
+    ASSERT_EQ(blocks.size(), 3u);
+    for (const QStringList& block : blocks)
+        EXPECT_EQ(block.value(4), QStringLiteral("N° de commande 4711"));
 }
 
 TEST(SerialNumbers, CountUpInListOrderAndNeverOverflow) {
