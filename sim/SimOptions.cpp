@@ -48,7 +48,7 @@ QString simOptionsHelp() {
         "devices=N (1..16), firmware=X.YY, hardware=CODE (0..255), serial=N, bootloader=X.Y, "
         "battery=RAW (0..65535), demo=0|1, state=FILE, autosave=0|1, trace=FILE, drop=N, "
         "dropRate=P (0..1), seed=N, corrupt=N, short=N, shortLength=BYTES, late=N, "
-        "lateMs=MS, unplug=N, restartMs=MS, readWaitMs=MS");
+        "lateMs=MS, unplug=N, unplugAfter=N, restartMs=MS, readWaitMs=MS");
 }
 
 std::optional<SimOptions> parseSimOptions(const QString& text, QString* error) {
@@ -132,6 +132,9 @@ std::optional<SimOptions> parseSimOptions(const QString& text, QString* error) {
         } else if (key == QLatin1String("unplug") || key == QLatin1String("unplugged")) {
             ok = parseInt(key, value, 0, 16, number, error);
             options.unplugged = static_cast<int>(number);
+        } else if (key == QLatin1String("unplugAfter")) {
+            ok = parseInt(key, value, 0, maxCount, number, error);
+            options.unplugAfter = static_cast<int>(number);
         } else if (key == QLatin1String("restartMs")) {
             ok = parseInt(key, value, 0, 3600000, number, error);
             options.restartMs = static_cast<int>(number);

@@ -39,6 +39,8 @@ struct SimOptions {
     int lateMs = 400;
     // When given: the first N devices unplugged, the others plugged.
     std::optional<int> unplugged;
+    // When given: the last device answers N requests, then is unplugged.
+    std::optional<int> unplugAfter;
 
     int restartMs = SimDevice::kDefaultRestartSilenceMs;
     int readWaitMs = 0; // how long a read waits on a silent device

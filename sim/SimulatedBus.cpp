@@ -56,6 +56,9 @@ struct SimulatedBus::Core {
         int repliesBeforeLate = 0; // counts down to the late reply
         std::optional<QByteArray> late;
         int lateArrivals = 0;
+        // Requests still answered before the device is pulled out; -1 never.
+        int unplugAfter = -1;
+        QStringList trace;
     };
 
     mutable std::mutex mutex;
@@ -94,12 +97,13 @@ struct SimulatedBus::Core {
                 return id;
     }
 
-    void record(char direction, const QByteArray& bytes) {
+    void record(Slot& slot, char direction, const QByteArray& bytes) {
         const double seconds = static_cast<double>(clock() - startMs) / 1000.0;
         QString line = QString::number(seconds, 'f', 3) + QLatin1Char(' ') + QLatin1Char(direction);
         if (!bytes.isEmpty())
             line += QLatin1Char(' ') + QString::fromLatin1(bytes.toHex(' ').toUpper());
         trace.append(line);
+        slot.trace.append(line);
         if (traceFile) {
             traceFile->write((line + QLatin1Char('\n')).toUtf8());
             traceFile->flush();
@@ -164,8 +168,20 @@ public:
         auto* slot = live();
         if (!slot)
             return false;
+        if (slot->unplugAfter == 0) {
+            // Pulled out in the middle of a run: the request finds no device.
+            slot->unplugAfter = -1;
+            slot->device.setPlugged(false);
+            slot->generation = ++core_->generations;
+            slot->pending.reset();
+            core_->autosave();
+            lastError_ = SimulatedBus::kNoDevice;
+            return false;
+        }
+        if (slot->unplugAfter > 0)
+            --slot->unplugAfter;
         lastError_ = 0;
-        core_->record('>', transfer);
+        core_->record(*slot, '>', transfer);
         // A new request makes any unread answer stale.
         slot->pending.reset();
         const SimDevice::Outcome outcome = slot->device.receive(transfer, core_->clock());
@@ -228,7 +244,7 @@ private:
         reply.truncate(std::max(0, maxLength));
         if (reply.isEmpty())
             return std::nullopt;
-        core_->record('<', reply);
+        core_->record(*slot, '<', reply);
         return reply;
     }
 
@@ -274,6 +290,8 @@ std::unique_ptr<SimulatedBus> SimulatedBus::fromOptions(const SimOptions& option
         bus->corruptReplies(ids[i], options.corrupt);
         bus->shortenReplies(ids[i], options.shortCount, options.shortLength);
         bus->delayReply(ids[i], options.late);
+        if (options.unplugAfter && i + 1 == ids.size())
+            bus->unplugAfter(ids[i], *options.unplugAfter);
         if (options.unplugged) {
             if (static_cast<int>(i) < *options.unplugged)
                 bus->unplug(ids[i]);
@@ -430,6 +448,14 @@ int SimulatedBus::lateDelay() const {
     return core_->lateDelayMs;
 }
 
+bool SimulatedBus::unplugAfter(std::int32_t uniqueId, int requests) {
+    std::lock_guard lock(core_->mutex);
+    auto* slot = core_->find(uniqueId);
+    if (slot)
+        slot->unplugAfter = std::max(-1, requests);
+    return slot != nullptr;
+}
+
 bool SimulatedBus::unplug(std::int32_t uniqueId) {
     return modify(uniqueId, [](SimDevice& device) { device.setPlugged(false); });
 }
@@ -501,9 +527,18 @@ QStringList SimulatedBus::traceLines() const {
     return core_->trace;
 }
 
+QStringList SimulatedBus::traceLines(std::int32_t uniqueId) const {
+    std::lock_guard lock(core_->mutex);
+    if (auto* slot = core_->find(uniqueId))
+        return slot->trace;
+    return {};
+}
+
 void SimulatedBus::clearTrace() {
     std::lock_guard lock(core_->mutex);
     core_->trace.clear();
+    for (auto& slot : core_->slots)
+        slot.trace.clear();
 }
 
 bool SimulatedBus::save(const QString& path, QString* error) const {

@@ -20,7 +20,9 @@ namespace qv {
 // file so that separate runs of the command line see the same controllers.
 //
 // Thread-safe: every call takes one lock, so a worker thread may exchange
-// frames while the main thread looks at or changes the devices.
+// frames while the main thread looks at or changes the devices. The lock is
+// held only while a transfer is handed over, never across a read's wait, so
+// threads that work with different devices exchange at the same time.
 class SimulatedBus : public Bus {
 public:
     // The first id given out; further devices count up from it. 254 and 255
@@ -76,6 +78,9 @@ public:
     // Unplugging takes the device off the count and kills its open handles
     // for good; a replugged device needs new handles.
     bool unplug(std::int32_t uniqueId);
+    // The device answers `requests` more requests, then is unplugged as the
+    // next one arrives (that one finds no device); -1 cancels.
+    bool unplugAfter(std::int32_t uniqueId, int requests);
     bool replug(std::int32_t uniqueId);
     // Ends the bootloader's silence after a boot request.
     bool restartFromBootloader(std::int32_t uniqueId);
@@ -93,6 +98,8 @@ public:
     // when a file is set, appended to it line by line.
     bool setTraceFile(const QString& path, QString* error = nullptr);
     QStringList traceLines() const;
+    // The lines of one device's transfers only.
+    QStringList traceLines(std::int32_t uniqueId) const;
     void clearTrace();
 
     // State file (JSON). Loading replaces every device and clears faults.

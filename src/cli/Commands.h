@@ -3,7 +3,9 @@
 #include "Arguments.h"
 #include "Session.h"
 
+#include <QJsonValue>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <vector>
 
@@ -39,5 +41,19 @@ constexpr int kExitConfiguration = 3;
 // Prints a line on standard output.
 void printLine(const QString& text);
 void printJson(const class QJsonValue& value);
+
+// What printLine and printJson print on the thread that sets it, kept
+// instead of printed: the output of one controller of several, printed
+// whole and labelled once every controller has ended. nullptr prints again.
+struct CapturedOutput {
+    QStringList lines;
+    std::vector<class QJsonValue> json;
+};
+void captureOutputOnThisThread(CapturedOutput* capture);
+
+// The commands that run on several controllers at once with --device all
+// or --device ID,ID,...
+bool runsOnSeveralDevices(const CliCommand& command);
+const std::vector<CliCommand>& productionCommands();
 
 } // namespace qv

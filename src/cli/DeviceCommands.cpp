@@ -13,12 +13,28 @@
 
 namespace qv {
 
+namespace {
+thread_local CapturedOutput* t_capture = nullptr;
+} // namespace
+
+void captureOutputOnThisThread(CapturedOutput* capture) {
+    t_capture = capture;
+}
+
 void printLine(const QString& text) {
+    if (t_capture) {
+        t_capture->lines << text;
+        return;
+    }
     std::fputs(qUtf8Printable(text), stdout);
     std::fputc('\n', stdout);
 }
 
 void printJson(const QJsonValue& value) {
+    if (t_capture) {
+        t_capture->json.push_back(value);
+        return;
+    }
     const QByteArray text = value.isArray()
                                 ? QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact)
                                 : QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact);

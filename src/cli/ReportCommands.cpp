@@ -57,7 +57,9 @@ int runReport(Session& s, Arguments& args) {
 
     AnsweredFileDialog dialog(file ? QFileInfo(*file).absoluteFilePath() : QString());
     bool written = false;
-    const QString appDir = QFileInfo(s.config->configPath()).absolutePath();
+    const QString appDir = s.applicationDirectory.isEmpty()
+                               ? QFileInfo(s.config->configPath()).absolutePath()
+                               : s.applicationDirectory;
     ProductionReport report(form, screen.view(), *s.config, *s.dialogs, dialog, appDir,
                             [&written] { written = true; });
     report.Form_Load();

@@ -10,11 +10,15 @@
 
 #include <QString>
 #include <memory>
+#include <optional>
 
 namespace qv {
 
 // Everything one quorvelctl run works with: the configuration document, the
-// bus chosen by --link, the link and the device primitives over it.
+// bus chosen by --link, the link and the device primitives over it. When a
+// command runs on several controllers, each has a session of its own with
+// its own state, link and copy of config.xml, and no bus of its own: its
+// link goes over the run's.
 struct Session {
     std::unique_ptr<ConfigDocument> config;
     // --trace: every transfer of the run, written as it happens. Declared
@@ -27,6 +31,12 @@ struct Session {
     std::unique_ptr<Device> device;
     QString language = QStringLiteral("English");
     bool json = false;
+    bool yes = false;
+    // The folder of the real config.xml, where reports go: a session that
+    // works for one controller of several has a copy of config.xml elsewhere.
+    QString applicationDirectory;
+    // --device as given: one id, a list "ID,ID,..." or "all".
+    std::optional<QString> deviceOption;
 
     QString message(const QString& key);
     // True when the last exchange failed (its box has been printed).

@@ -5,8 +5,12 @@ namespace qv {
 int StderrDialogs::message(const QString& text, const QString& title, int style) {
     const QString heading =
         title.trimmed().isEmpty() ? QStringLiteral("quorvelctl") : title.trimmed();
-    std::fprintf(out_, "%s: %s\n", qUtf8Printable(heading), qUtf8Printable(text));
-    std::fflush(out_);
+    if (printer_) {
+        printer_(heading + QStringLiteral(": ") + text);
+    } else {
+        std::fprintf(out_, "%s: %s\n", qUtf8Printable(heading), qUtf8Printable(text));
+        std::fflush(out_);
+    }
     const int buttons = style & 7;
     if (buttons == MsgBox::YesNo)
         return answerYes_ ? MsgBox::AnswerYes : MsgBox::AnswerNo;

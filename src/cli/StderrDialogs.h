@@ -2,7 +2,9 @@
 
 #include "link/Dialogs.h"
 
+#include <QString>
 #include <cstdio>
+#include <functional>
 
 namespace qv {
 
@@ -14,10 +16,13 @@ public:
     explicit StderrDialogs(bool answerYes, std::FILE* out = stderr)
         : answerYes_(answerYes), out_(out) {}
     int message(const QString& text, const QString& title, int style) override;
+    // Prints each box through `printer` instead ("title: text").
+    void setPrinter(std::function<void(const QString&)> printer) { printer_ = std::move(printer); }
 
 private:
     bool answerYes_;
     std::FILE* out_;
+    std::function<void(const QString&)> printer_;
 };
 
 } // namespace qv

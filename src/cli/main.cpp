@@ -2,12 +2,14 @@
 // sequences as the window, for scripts, production benches and diagnosis.
 #include "Arguments.h"
 #include "Commands.h"
+#include "MultiDevice.h"
 #include "Session.h"
 #include "config/AppDirectory.h"
 #include "link/TracingBus.h"
 #include "linkoption/BusFactory.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <cstdio>
 #include <memory>
@@ -17,18 +19,20 @@ using namespace qv;
 namespace {
 
 void printUsage(std::FILE* out) {
-    std::fputs("usage: quorvelctl [--app-dir DIR] [--link LINK] [--device ID] [--json] [--yes]\n"
-               "                  [--trace FILE] COMMAND [ARGS] [--help]\n\n"
+    std::fputs("usage: quorvelctl [--app-dir DIR] [--link LINK] [--device ID|ID,ID,...|all]\n"
+               "                  [--json] [--yes] [--trace FILE] COMMAND [ARGS] [--help]\n\n"
                "LINK is usb (the default), tty:PATTERN for controllers seen as serial ports\n"
                "(tty:/dev/ttyACM*), or sim[:key=value,...] for simulated controllers, for\n"
                "example sim:devices=2,state=/tmp/sim.json (see README).\n"
                "ID is a device id as `devices --json` prints it; by default the first device.\n"
                "--trace FILE appends every transfer to FILE (see `trace FILE`).\n\n"
+               "identity, clock set, eeprom write, programme download and report run on\n"
+               "several controllers at once with --device ID,ID,... or --device all.\n\n"
                "commands:\n",
                out);
     for (const auto* list :
          {&deviceCommands(), &programmeCommands(), &printCommands(), &configCommands(),
-          &firmwareCommands(), &reportCommands(), &traceCommands()}) {
+          &firmwareCommands(), &reportCommands(), &traceCommands(), &productionCommands()}) {
         for (const CliCommand& c : *list)
             std::fprintf(out, "  %-20s %s\n", qUtf8Printable(c.words.join(QLatin1Char(' '))),
                          qUtf8Printable(c.summary));
@@ -48,7 +52,7 @@ const CliCommand* findCommand(QStringList& words) {
     const CliCommand* best = nullptr;
     for (const auto* list :
          {&deviceCommands(), &programmeCommands(), &printCommands(), &configCommands(),
-          &firmwareCommands(), &reportCommands(), &traceCommands()}) {
+          &firmwareCommands(), &reportCommands(), &traceCommands(), &productionCommands()}) {
         for (const CliCommand& c : *list) {
             if (words.size() >= c.words.size() && words.mid(0, c.words.size()) == c.words &&
                 (!best || c.words.size() > best->words.size()))
@@ -134,10 +138,20 @@ int run(QStringList words) {
     }
     session.config = std::make_unique<ConfigDocument>(appDir.configPath());
     session.config->load(); // a missing or malformed file stops here, before any device work
+    session.applicationDirectory = QFileInfo(appDir.configPath()).absolutePath();
+    session.deviceOption = deviceOption;
+    session.yes = yes;
+    const bool several = namesSeveralDevices(deviceOption);
+    if (several && !runsOnSeveralDevices(*command) &&
+        command->words.first() != QLatin1String("commission"))
+        throw UsageError{QStringLiteral("%1 works on one controller; --device all and lists are "
+                                        "for identity, clock set, eeprom write, programme "
+                                        "download, report and commission")
+                             .arg(command->words.join(QLatin1Char(' ')))};
 
     // The device in use also goes into the firmware loader's line, which is
     // checked without a device.
-    if (deviceOption)
+    if (deviceOption && !several)
         session.state.UsbID = static_cast<std::int32_t>(
             parseNumber(*deviceOption, QStringLiteral("ID"), INT32_MIN, INT32_MAX));
 
@@ -160,6 +174,8 @@ int run(QStringList words) {
     session.link = std::make_unique<FrameLink>(*session.bus, *session.dialogs, session.state);
     session.device = std::make_unique<Device>(
         *session.link, [&session] { return session.message(QStringLiteral("Quorvel Absent")); });
+    if (several && runsOnSeveralDevices(*command))
+        return runOnDevices(session, *command, rest, devicesNamed(deviceOption, *session.bus));
     if (!deviceOption && session.bus->deviceCount() > 0)
         session.state.UsbID = session.bus->uniqueId(0);
 

@@ -7,8 +7,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <sys/file.h>
 
 namespace qv {
 
@@ -123,12 +126,34 @@ void appendReport(const QString& path, const QStringList& lines) {
     for (const QString& line : lines)
         block += toWindows1252(line) + "\r\n";
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
         throw Translated<ReportError>(QStringLiteral("The report file %1 cannot be opened: %2"),
                                       {QDir::toNativeSeparators(path), file.errorString()});
-    if (file.write(block) != block.size() || !file.flush())
+    // A bench appends from several threads and several processes to one log;
+    // the lock keeps each block whole. flock() locks the open file, not the
+    // process, so two threads of one process exclude each other too.
+    const int fd = file.handle();
+    int locked;
+    do {
+        locked = ::flock(fd, LOCK_EX);
+    } while (locked != 0 && errno == EINTR);
+    if (locked != 0)
+        throw Translated<ReportError>(
+            QStringLiteral("The report file %1 cannot be locked: %2"),
+            {QDir::toNativeSeparators(path), QString::fromLocal8Bit(std::strerror(errno))});
+    qint64 done = 0;
+    while (done < block.size()) {
+        const qint64 n = file.write(block.constData() + done, block.size() - done);
+        if (n <= 0)
+            break;
+        done += n;
+    }
+    const bool whole = done == block.size();
+    const QString error = file.errorString();
+    ::flock(fd, LOCK_UN);
+    if (!whole)
         throw Translated<ReportError>(QStringLiteral("The report could not be written to %1: %2"),
-                                      {QDir::toNativeSeparators(path), file.errorString()});
+                                      {QDir::toNativeSeparators(path), error});
 }
 
 } // namespace qv

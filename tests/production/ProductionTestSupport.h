@@ -1,0 +1,121 @@
+#pragma once
+
+#include "SimulatedBus.h"
+#include "config/ConfigDocument.h"
+#include "link/Crc.h"
+#include "production/ProductionRun.h"
+#include "programme/Conditions.h"
+#include "programme/ProgrammeStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <mutex>
+
+namespace qv::test {
+
+inline Condition programmeLine(std::int16_t jour, std::int16_t heure, std::int16_t minute,
+                               std::int16_t seconde, std::int16_t temporisation) {
+    Condition c;
+    c.Nom = QStringLiteral("Line");
+    c.sortie = 3;
+    c.Format = 0;
+    c.Valeur = 1;
+    c.Temporisation = temporisation;
+    c.Jour = jour;
+    c.Heure = heure;
+    c.Minute = minute;
+    c.Seconde = seconde;
+    return c;
+}
+
+// One line of each kind the download knows: no time, a day, a range, a
+// periodic line.
+inline Conditions siteProgramme() {
+    Conditions c;
+    c.Add(programmeLine(0, 0, 0, 0, 300));
+    c.Add(programmeLine(3, 6, 30, 0, 60));
+    Condition range = programmeLine(JourPlage, 22, 0, 0, 5);
+    range.PlageFinJour = JourPlage;
+    range.PlageFinHeure = 23;
+    range.PlageFinMinute = 45;
+    range.PlageFinSeconde = 30;
+    c.Add(range);
+    Condition periodic = programmeLine(JourPeriode, 7, 15, 3, 10);
+    periodic.PlageFinHeure = 4;
+    periodic.PlageFinMinute = 21;
+    c.Add(periodic);
+    return c;
+}
+
+// The blocks of a production log, split at their dashed line.
+inline std::vector<QStringList> reportBlocks(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList lines = QString::fromLatin1(file.readAll()).split(QStringLiteral("\r\n"));
+    std::vector<QStringList> blocks;
+    for (int i = 0; i < lines.size(); ++i) {
+        if (lines[i] == QStringLiteral("------------------------------------------")) {
+            // The blank line before the dashes opens the new block.
+            if (!blocks.empty())
+                blocks.back().removeLast();
+            blocks.emplace_back();
+            blocks.back() << lines[i - 1];
+        }
+        if (!blocks.empty())
+            blocks.back() << lines[i];
+    }
+    if (!blocks.empty() && blocks.back().last().isEmpty())
+        blocks.back().removeLast(); // after the last line end
+    return blocks;
+}
+
+// The application folder of a bench: the shipped config.xml and a
+// programme file made of it.
+class BenchFolder {
+public:
+    BenchFolder() {
+        EXPECT_TRUE(dir.isValid());
+        EXPECT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath()));
+        EXPECT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), programmePath()));
+        for (const QString& p : {configPath(), programmePath()})
+            QFile::setPermissions(p, QFile::ReadOwner | QFile::WriteOwner);
+        ConfigDocument programme(programmePath());
+        SauveConditions(programme, siteProgramme());
+    }
+    QString path() const { return dir.path(); }
+    QString configPath() const { return dir.filePath(QStringLiteral("config.xml")); }
+    QString programmePath() const { return dir.filePath(QStringLiteral("site.prg")); }
+    QString logPath(const QString& order) const {
+        return dir.filePath(order + QStringLiteral(".log"));
+    }
+
+private:
+    QTemporaryDir dir;
+};
+
+// Records what the controllers' threads report.
+class RecordingListener : public ProductionRun::Listener {
+public:
+    void stepStarted(size_t index, CommissionStep step) override {
+        std::lock_guard lock(mutex);
+        steps.emplace_back(index, step);
+    }
+    void controllerEnded(size_t index, const CommissionOutcome&) override {
+        std::lock_guard lock(mutex);
+        ended.push_back(index);
+    }
+    void runEnded() override {
+        std::lock_guard lock(mutex);
+        ++runsEnded;
+    }
+    std::mutex mutex;
+    std::vector<std::pair<size_t, CommissionStep>> steps;
+    std::vector<size_t> ended;
+    int runsEnded = 0;
+};
+
+} // namespace qv::test
