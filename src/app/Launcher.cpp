@@ -8,6 +8,7 @@
 #include "inspector/widgets/ExchangePanel.h"
 #include "link/TracingBus.h"
 #include "linkoption/BusFactory.h"
+#include "production/widgets/ProductionBench.h"
 #include "programme/ProgrammeDownload.h"
 #include "reports/widgets/ProductionWindow.h"
 
@@ -246,8 +247,12 @@ bool Launch::prepareBus(QString* error, QString* warning) {
                 },
                 Qt::QueuedConnection);
         };
+        // The window starts in English, whatever the last run chose.
+        const auto say = [this](const QString& key) {
+            return config_ ? config_->LitMessage(QStringLiteral("English"), key, QString()) : key;
+        };
         QString problem;
-        bus_ = makeBus(options_.link, &problem, report);
+        bus_ = makeBus(options_.link, &problem, report, say);
         if (!bus_) {
             // A technician who starts the tool without its USB link can
             // still work on programme files: say why no controller shows,
@@ -256,9 +261,10 @@ bool Launch::prepareBus(QString* error, QString* warning) {
                 *error = problem;
                 return false;
             }
-            *warning = QStringLiteral("No controller can be reached: %1\n\nThe window opens "
-                                      "without a controller; programmes can still be edited.")
-                           .arg(problem);
+            *warning = say(QStringLiteral("No controller can be reached: %1")).arg(problem) +
+                       QStringLiteral("\n\n") +
+                       say(QStringLiteral("The window opens without a controller; programmes "
+                                          "can still be edited."));
             bus_ = std::make_unique<EmptyBus>();
         }
         simulated_ = dynamic_cast<SimulatedBus*>(bus_.get());
@@ -309,6 +315,11 @@ MainScreenWindow& Launch::makeWindow() {
                                                  *deviceDialogs_, *deviceFileDialog_, *loader_,
                                                  appDirectory());
     window_->setFirmwareUpdater([this](bool demande) { firmware_->UpdateFirmware(demande); });
+    window_->setProductionBenchOpener([this](std::function<void()> onClosed) {
+        openProductionBench(window_.get(), *bus_, *config_, *dialogsInUse_,
+                            window_->view().text(QStringLiteral("ListeLangues")),
+                            std::move(onClosed));
+    });
     return *window_;
 }
 

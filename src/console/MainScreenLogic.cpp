@@ -1,6 +1,7 @@
 // The main window's start, timers, menus and languages.
 #include "MainScreenParts.h"
 
+#include "config/OperatorText.h"
 #include "ConsoleHost.h"
 #include "config/ConfigDocument.h"
 #include "device/Device.h"
@@ -56,11 +57,15 @@ void MainScreenLogic::guarded(const std::function<void()>& action) {
     // the window stays.
     try {
         action();
-    } catch (const ConfigError& e) {
-        dialogs_.message(e.text(), QStringLiteral("Quorvel"), MsgBox::Critical);
     } catch (const std::exception& e) {
-        dialogs_.message(QString::fromStdString(e.what()), QStringLiteral("Quorvel"),
-                         MsgBox::Critical);
+        QString text;
+        try {
+            text = operatorText(e, config_, langue());
+        } catch (const std::exception&) {
+            // config.xml itself is what failed: its own words, untranslated.
+            text = QString::fromStdString(e.what());
+        }
+        dialogs_.message(text, QStringLiteral("Quorvel"), MsgBox::Critical);
     }
 }
 
@@ -189,6 +194,17 @@ void MainScreenLogic::MnuConnect_ApresConnexion() {
     guarded([&] {
         if (!device_.state().TimeOut)
             Lire_Click();
+    });
+}
+
+void MainScreenLogic::LibereAppareil() {
+    guarded([&] {
+        untickContinu();
+        host_.stopTimerEntree();
+        device_.link().FermeUsb();
+        device_.state().bUsbConnected = false;
+        for (const char* control : {"Lire", "Ecrire", "SetTime"})
+            view_.setEnabled(QString::fromLatin1(control), false);
     });
 }
 

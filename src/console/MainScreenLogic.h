@@ -71,6 +71,10 @@ public:
     void Sortir_Click();
     void MnuConnect_Click();
     void MnuConnect_ApresConnexion();
+    // Lets go of the controller in use for a window that takes the bus over
+    // (the production bench): the continuous read stops, the link closes,
+    // and the controls that need a controller wait for the connection list.
+    void LibereAppareil();
     void mnuPLC_Click();
     void mnurapport_Click();
     void nmuBootLoad_Click();

@@ -12,7 +12,7 @@
 #include "programme/ProgrammeDownload.h"
 #include "programme/ProgrammeStore.h"
 #include "reports/HeadlessMainScreen.h"
-#include "reports/MapConsoleView.h"
+#include "view/MapConsoleView.h"
 #include "reports/ProductionReport.h"
 
 #include <QDate>

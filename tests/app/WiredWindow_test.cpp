@@ -476,12 +476,15 @@ TEST_F(WiredWindowTest, TheMainWindowSwitchesLanguageAtOnceWithTheShippedTexts) 
                 first, median, worst);
     RecordProperty("language_switch_median_ms", QString::number(median, 'f', 1).toStdString());
     RecordProperty("language_switch_worst_ms", QString::number(worst, 'f', 1).toStdString());
-#if defined(__SANITIZE_ADDRESS__)
-    constexpr double limit = 400; // instrumented builds run several times slower
+    // Each switch saves config.xml with an fsync, whose time is the disk's:
+    // the typical switch must feel immediate, a single one may wait on it.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr double scale = 4; // instrumented builds run several times slower
 #else
-    constexpr double limit = 100;
+    constexpr double scale = 1;
 #endif
-    EXPECT_LT(worst, limit);
+    EXPECT_LT(median, 100 * scale);
+    EXPECT_LT(worst, 250 * scale);
 }
 
 // ------------------------------------------------------- file dialog

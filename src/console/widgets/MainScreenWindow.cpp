@@ -131,6 +131,8 @@ void MainScreenWindow::wire() {
         afterJobs([this] { openConnection([this] { logic_->MnuConnect_ApresConnexion(); }); });
     });
 
+    connect(ui_->mnuProduction, &QAction::triggered, this, [this] { openProductionBench(); });
+
     connect(ui_->ListeLangues, &QComboBox::activated, this,
             [this] { post(&L::ListeLangues_Click); });
     connect(ui_->ValeurManualAction, &QLineEdit::textEdited, this,
@@ -157,6 +159,22 @@ void MainScreenWindow::start(std::function<void()> started) {
                 post(&L::Form_Activate);
                 if (started)
                     afterJobs(std::move(started));
+            });
+        });
+    });
+}
+
+void MainScreenWindow::openProductionBench() {
+    if (!openProductionBench_) {
+        worker_.post([this] { notInThisBuild(QStringLiteral("The production bench")); });
+        return;
+    }
+    worker_.post([this] {
+        logic_->LibereAppareil();
+        bridge_.post([this] {
+            openProductionBench_([this] {
+                if (!closing_)
+                    openConnection([this] { logic_->MnuConnect_ApresConnexion(); });
             });
         });
     });
@@ -267,7 +285,8 @@ void MainScreenWindow::showConnection() {
 }
 
 void MainScreenWindow::notInThisBuild(const QString& what) {
-    dialogs_.message(QStringLiteral("%1 is not part of this version of the tool.").arg(what),
+    dialogs_.message(logic_->message(QStringLiteral("%1 is not part of this version of the tool."))
+                         .arg(logic_->message(what)),
                      QString(), MsgBox::Exclamation);
 }
 

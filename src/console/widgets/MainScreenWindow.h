@@ -79,6 +79,11 @@ public:
         openProgrammation_ = std::move(open);
     }
     void setProductionOpener(std::function<void()> open) { openProduction_ = std::move(open); }
+    // The production bench, opened on this thread once the controller in use
+    // is let go; `onClosed` is for when it has closed.
+    void setProductionBenchOpener(std::function<void(std::function<void()> onClosed)> open) {
+        openProductionBench_ = std::move(open);
+    }
     // Runs on the device thread.
     void setFirmwareUpdater(std::function<void(bool)> update) {
         updateFirmware_ = std::move(update);
@@ -116,6 +121,9 @@ protected:
 
 private:
     void wire();
+    // Lets go of the controller, opens the bench, and comes back through the
+    // connection list once the bench has closed.
+    void openProductionBench();
     void notInThisBuild(const QString& what);
     // Opens the connection list without waiting; `afterClose` runs on the
     // device thread once it has closed, whichever way, right after the
@@ -144,6 +152,7 @@ private:
     bool closing_ = false;
     std::function<void(const EditorDeviceState&)> openProgrammation_;
     std::function<void()> openProduction_;
+    std::function<void(std::function<void()>)> openProductionBench_;
     std::function<void(bool)> updateFirmware_;
     std::function<void()> releaseDevice_;
     std::function<void(ConnectWindow&)> connectionScript_;
