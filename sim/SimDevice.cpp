@@ -419,10 +419,11 @@ SimDevice::Outcome SimDevice::checkedFrame(const QByteArray& transfer, qint64 no
     case 0xF3:
         if (frame[1] == 1) {
             fastClock_ = frame[2] != 0;
+            clockSpeedAnswer_.reset();
             outcome.changed = true;
         }
         reply = payload(2, command);
-        reply[1] = static_cast<char>(fastClock_ ? 1 : 0);
+        reply[1] = static_cast<char>(clockSpeedAnswer_.value_or(fastClock_ ? 1 : 0));
         break;
     case 0xFB:
         reloadCounters();

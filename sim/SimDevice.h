@@ -106,7 +106,13 @@ public:
     int ilsInput() const { return ils_; }
     void setIlsInput(int value) { ils_ = value; }
     bool fastClock() const { return fastClock_; }
-    void setFastClock(bool on) { fastClock_ = on; }
+    void setFastClock(bool on) {
+        fastClock_ = on;
+        clockSpeedAnswer_.reset();
+    }
+    // What the clock speed command answers until the next write, instead of
+    // the mode: firmware in a transition answers 2.
+    void setClockSpeedAnswer(int answer) { clockSpeedAnswer_ = answer; }
     bool programmeStopped() const { return programmeStop_; }
     void setProgrammeStopped(bool stopped) { programmeStop_ = stopped; }
 
@@ -176,6 +182,7 @@ private:
     int output_ = 0;
     int ils_ = 0;
     bool fastClock_ = false;
+    std::optional<int> clockSpeedAnswer_;
     bool programmeStop_ = false;
     double clockOffset_ = 0;
     double clockRate_ = 0;

@@ -1,9 +1,9 @@
 // The main window's start, timers, menus and languages.
 #include "MainScreenParts.h"
 
-#include "config/OperatorText.h"
 #include "ConsoleHost.h"
 #include "config/ConfigDocument.h"
+#include "config/OperatorText.h"
 #include "device/Device.h"
 #include "link/Dialogs.h"
 #include "programme/Conditions.h"

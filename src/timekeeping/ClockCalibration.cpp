@@ -49,13 +49,14 @@ int ClockCalibration::MesureHorloge(bool ecriture) {
 }
 
 bool ClockCalibration::LitVitesseHorloge() {
+    // The answer is the box's state as it stands: 2 is its grey state, which
+    // is not "checked", so the write back sends 0 for it.
     const int mesure = MesureHorloge(false);
     if (mesure < 0 || mesure > 2)
         return false;
-    const bool checked = mesure == 1;
-    if (view_.isChecked(kFastClock) == checked)
+    if (view_.checkState(kFastClock) == mesure)
         return false;
-    view_.setChecked(kFastClock, checked);
+    view_.setCheckState(kFastClock, mesure);
     CheckClockSpeed_Click();
     return true;
 }

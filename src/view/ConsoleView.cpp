@@ -19,6 +19,14 @@ void ConsoleView::setTexts(const std::vector<std::pair<QString, QString>>& texts
         setText(control, value);
 }
 
+void ConsoleView::setCheckState(const QString& control, int state) {
+    setChecked(control, state == 1);
+}
+
+int ConsoleView::checkState(const QString& control) const {
+    return isChecked(control) ? 1 : 0;
+}
+
 QString controlKey(const QString& controlName) {
     static const QRegularExpression arrayIndex(QStringLiteral("_\\d+$"));
     QString key = controlName;

@@ -35,6 +35,10 @@ public:
     // click handler (the logic calls it itself where the legacy one did).
     virtual void setChecked(const QString& control, bool checked) = 0;
     virtual bool isChecked(const QString& control) const = 0;
+    // The three states of a check box as the legacy forms number them:
+    // 0 unticked, 1 ticked, 2 grey. A grey box is not checked.
+    virtual void setCheckState(const QString& control, int state);
+    virtual int checkState(const QString& control) const;
 
     // List and combo boxes: rows with their item data.
     struct Row {

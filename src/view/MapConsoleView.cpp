@@ -47,6 +47,16 @@ bool MapConsoleView::isVisible(const QString& control) const {
 }
 void MapConsoleView::setChecked(const QString& control, bool checked) {
     controls_[control].checked = checked;
+    controls_[control].grey = false;
+}
+void MapConsoleView::setCheckState(const QString& control, int state) {
+    State& s = controls_[control];
+    s.checked = state == 1;
+    s.grey = state == 2;
+}
+int MapConsoleView::checkState(const QString& control) const {
+    const State s = controls_.value(control);
+    return s.grey ? 2 : (s.checked ? 1 : 0);
 }
 bool MapConsoleView::isChecked(const QString& control) const {
     return controls_.value(control).checked;

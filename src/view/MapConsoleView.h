@@ -18,6 +18,7 @@ public:
         bool enabled = true;
         bool visible = true;
         bool checked = false;
+        bool grey = false;
         std::vector<Row> rows;
         int currentRow = -1;
         int minimum = 0, maximum = 100, value = 0;
@@ -40,6 +41,8 @@ public:
     bool isVisible(const QString& control) const override;
     void setChecked(const QString& control, bool checked) override;
     bool isChecked(const QString& control) const override;
+    void setCheckState(const QString& control, int state) override;
+    int checkState(const QString& control) const override;
     void setRows(const QString& control, const std::vector<Row>& rows) override;
     std::vector<Row> rows(const QString& control) const override;
     void setRowText(const QString& control, int row, const QString& text) override;

@@ -32,6 +32,12 @@ void MarshalledView::setChecked(const QString& control, bool checked) {
 bool MarshalledView::isChecked(const QString& control) const {
     return get([&] { return inner_.isChecked(control); }, false);
 }
+void MarshalledView::setCheckState(const QString& control, int state) {
+    bridge_.call([&] { inner_.setCheckState(control, state); });
+}
+int MarshalledView::checkState(const QString& control) const {
+    return get([&] { return inner_.checkState(control); }, 0);
+}
 void MarshalledView::setRows(const QString& control, const std::vector<Row>& rows) {
     bridge_.call([&] { inner_.setRows(control, rows); });
 }

@@ -174,6 +174,21 @@ TEST_F(WidgetConsoleViewTest, StatesSetFromCodeRunNoHandler) {
     EXPECT_GT(handlers, 0);
 }
 
+TEST_F(WidgetConsoleViewTest, ACheckBoxHasItsGreyStateWhichIsNotChecked) {
+    int handlers = 0;
+    QObject::connect(form.check, &QCheckBox::stateChanged, [&] { ++handlers; });
+    for (const int state : {2, 1, 2, 0}) {
+        SCOPED_TRACE(state);
+        view.setCheckState(QStringLiteral("Coche"), state);
+        EXPECT_EQ(view.checkState(QStringLiteral("Coche")), state);
+        EXPECT_EQ(view.isChecked(QStringLiteral("Coche")), state == 1);
+        EXPECT_EQ(form.check->checkState() == Qt::PartiallyChecked, state == 2);
+    }
+    view.setChecked(QStringLiteral("Coche"), true);
+    EXPECT_EQ(view.checkState(QStringLiteral("Coche")), 1);
+    EXPECT_EQ(handlers, 0) << "states set from code run no handler";
+}
+
 TEST_F(WidgetConsoleViewTest, EnabledAndVisibleAreTheControlsOwnSettings) {
     // A control keeps its own setting whatever its frame or window does, as
     // the logic reads back what it set.

@@ -135,6 +135,20 @@ TEST_F(TimekeepingClock, FastClockIsReadAndAChangedBoxSentBack) {
         EXPECT_EQ(sent("F3"), c.frames);
     }
 
+    // An answer of 2 is the box's grey state: a change like any other, and
+    // grey is not ticked, so 0 goes back.
+    for (const bool box : {false, true}) {
+        SCOPED_TRACE(box);
+        setFastClock(false);
+        bus.modify(id, [](SimDevice& d) { d.setClockSpeedAnswer(2); });
+        view.setChecked("CheckClockSpeed", box);
+        bus.clearTrace();
+        EXPECT_TRUE(calibration->LitVitesseHorloge());
+        EXPECT_EQ(view.checkState("CheckClockSpeed"), 2);
+        EXPECT_FALSE(view.isChecked("CheckClockSpeed"));
+        EXPECT_EQ(sent("F3"), (QStringList{"F3 00 00", "F3 01 00"}));
+    }
+
     // A dead device reads as 0: the box drops, and the write back fails too.
     view.setChecked("CheckClockSpeed", true);
     bus.unplug(id);

@@ -1,6 +1,5 @@
 #include "WidgetConsoleView.h"
 
-
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
@@ -218,7 +217,9 @@ void WidgetConsoleView::setChecked(const QString& control, bool checked) {
     if (!object)
         return;
     const QSignalBlocker quiet(object);
-    if (auto* button = qobject_cast<QAbstractButton*>(object))
+    if (auto* box = qobject_cast<QCheckBox*>(object))
+        box->setCheckState(checked ? Qt::Checked : Qt::Unchecked);
+    else if (auto* button = qobject_cast<QAbstractButton*>(object))
         button->setChecked(checked);
     else if (auto* action = qobject_cast<QAction*>(object))
         action->setChecked(checked);
@@ -226,8 +227,38 @@ void WidgetConsoleView::setChecked(const QString& control, bool checked) {
         group->setChecked(checked);
 }
 
+void WidgetConsoleView::setCheckState(const QString& control, int state) {
+    auto* box = qobject_cast<QCheckBox*>(find(control));
+    if (!box) {
+        setChecked(control, state == 1);
+        return;
+    }
+    const QSignalBlocker quiet(box);
+    if (state == 2)
+        box->setTristate(true);
+    box->setCheckState(state == 2 ? Qt::PartiallyChecked
+                                  : (state == 1 ? Qt::Checked : Qt::Unchecked));
+}
+
+int WidgetConsoleView::checkState(const QString& control) const {
+    const auto* box = qobject_cast<const QCheckBox*>(find(control));
+    if (!box)
+        return isChecked(control) ? 1 : 0;
+    switch (box->checkState()) {
+    case Qt::PartiallyChecked:
+        return 2;
+    case Qt::Checked:
+        return 1;
+    default:
+        return 0;
+    }
+}
+
 bool WidgetConsoleView::isChecked(const QString& control) const {
     const QObject* object = find(control);
+    // Qt counts a grey box as checked; the forms never did.
+    if (auto* box = qobject_cast<const QCheckBox*>(object))
+        return box->checkState() == Qt::Checked;
     if (auto* button = qobject_cast<const QAbstractButton*>(object))
         return button->isChecked();
     if (auto* action = qobject_cast<const QAction*>(object))

@@ -36,6 +36,8 @@ public:
     bool isVisible(const QString& control) const override;
     void setChecked(const QString& control, bool checked) override;
     bool isChecked(const QString& control) const override;
+    void setCheckState(const QString& control, int state) override;
+    int checkState(const QString& control) const override;
     void setRows(const QString& control, const std::vector<Row>& rows) override;
     std::vector<Row> rows(const QString& control) const override;
     void setRowText(const QString& control, int row, const QString& text) override;
