@@ -1,6 +1,7 @@
 #include "config/XmlWriter.h"
 
 #include "config/AttributeOrder.h"
+#include "config/XmlGuard.h"
 
 #include <QDomNamedNodeMap>
 #include <QRegularExpression>
@@ -126,6 +127,14 @@ private:
     }
 
     bool element(const QDomElement& e, int depth, bool inLine) {
+        // The reader refuses such a document; writing one would leave a file
+        // that never loads again, and each level costs stack here.
+        if (depth >= kMaxDocumentDepth) {
+            error_ = QStringLiteral("the element <%1> is nested deeper than %2 levels")
+                         .arg(e.tagName())
+                         .arg(kMaxDocumentDepth);
+            return false;
+        }
         out_ += QLatin1Char('<') + e.tagName();
 
         const QDomNamedNodeMap map = e.attributes();
