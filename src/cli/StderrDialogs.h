@@ -15,7 +15,13 @@ public:
         : answerYes_(answerYes), out_(out) {}
     int message(const QString& text, const QString& title, int style) override;
 
+    // The link has told of an exchange that failed after its retries (its
+    // box ends in " (Time Out)" or " (CRC error)"). Kept for the whole run,
+    // since the flags tell only of the last exchange.
+    bool exchangeFailed() const { return exchangeFailed_; }
+
 private:
+    bool exchangeFailed_ = false;
     bool answerYes_;
     std::FILE* out_;
 };
