@@ -214,8 +214,6 @@ TEST_F(ConfigDocumentTest, SwitchesConvertLikeTheRuntime) {
     };
     for (const Case& c : std::vector<Case>{
              {"<Configuration><Conf/></Configuration>", true, false},
-             {"<Config><Splash>False</Splash><Maintenance>True</Maintenance></Config>", true,
-              false}, // under a root of another name they are absent
              {both("True"), true, true},
              {both("FALSE"), false, false},
              {both("0"), false, false},
@@ -229,6 +227,9 @@ TEST_F(ConfigDocumentTest, SwitchesConvertLikeTheRuntime) {
         EXPECT_EQ(doc.LitSplash(), c.splash);
         EXPECT_EQ(doc.LitMaintenance(), c.maintenance);
     }
+    // A root of another name is no configuration at all.
+    writeAll(path, "<Config><Splash>False</Splash><Maintenance>True</Maintenance></Config>");
+    EXPECT_THROW(ConfigDocument(path).LitMaintenance(), ConfigError);
 }
 
 TEST_F(ConfigDocumentTest, ValuesAreReadAndWrittenByExactNameOnly) {
