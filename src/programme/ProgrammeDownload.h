@@ -66,8 +66,8 @@ struct EnvoiResultat {
 // (through `message`), before the question and before any frame.
 //
 // The question `questionText` (the text of "Les anciennes valeurs seront
-// écrasées") is always asked, with an empty programme too, since the old
-// image is lost either way. Any answer but OK counts as Cancel. Then the
+// écrasées") is asked for every programme that passes the check, an empty
+// one too, since the old image is lost either way. Any answer but OK counts as Cancel. Then the
 // device's clock is set (option 255: a programme follows), the image is
 // begun with `etatDefaut`, and each line goes as one to three frames. The
 // first frame that times out ends the download: the device keeps the lines
@@ -77,7 +77,6 @@ struct EnvoiResultat {
 // `etatDefaut` is the state that Donne_EtatDefautSortie gives for output 0
 // in the first language of the list (not necessarily the one in use).
 // `madate` gives the day of the week of the clock frame.
-//
 EnvoiResultat Envoi_Conditions(Device& device, const Conditions& conditions,
                                std::int16_t etatDefaut, const QString& questionText,
                                const QDate& madate,
