@@ -212,15 +212,14 @@ TEST_F(ConfigDocumentTest, SwitchesConvertLikeTheRuntime) {
                               "<Conf/></Configuration>")
             .arg(QString::fromUtf8(text));
     };
-    for (const Case& c : std::vector<Case>{
-             {"<Configuration><Conf/></Configuration>", true, false},
-             {both("True"), true, true},
-             {both("FALSE"), false, false},
-             {both("0"), false, false},
-             {both("-1"), true, true},
-             {both(" 1 "), true, true},
-             {both(""), true, false},
-             {both("oui"), true, false}}) {
+    for (const Case& c : std::vector<Case>{{"<Configuration><Conf/></Configuration>", true, false},
+                                           {both("True"), true, true},
+                                           {both("FALSE"), false, false},
+                                           {both("0"), false, false},
+                                           {both("-1"), true, true},
+                                           {both(" 1 "), true, true},
+                                           {both(""), true, false},
+                                           {both("oui"), true, false}}) {
         SCOPED_TRACE(c.content.toStdString());
         writeAll(path, c.content.toUtf8());
         ConfigDocument doc(path);
