@@ -37,6 +37,9 @@ constexpr int kExitOk = 0;
 constexpr int kExitDeviceFailed = 1;
 constexpr int kExitUsage = 2;
 constexpr int kExitConfiguration = 3;
+// The programme holds a value its frames cannot carry: nothing was sent and
+// no file changed.
+constexpr int kExitProgrammeRefused = 4;
 
 // Prints a line on standard output.
 void printLine(const QString& text);

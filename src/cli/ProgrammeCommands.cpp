@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "programme/DefaultStates.h"
+#include "programme/ProgrammeCheck.h"
 #include "programme/ProgrammeDownload.h"
 #include "programme/ProgrammeStore.h"
 #include "programme/ProgrammeUpload.h"
@@ -12,6 +13,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSaveFile>
+#include <cstdio>
 
 namespace qv {
 
@@ -117,32 +119,72 @@ int runShow(Session& s, Arguments& args) {
     return kExitOk;
 }
 
+// What went to the controller and what did not, after a download that
+// did not go through cleanly.
+void reportDownload(const EnvoiResultat& sent, int count) {
+    QStringList failed;
+    if (sent.horlogeEnErreur)
+        failed << QStringLiteral("the clock");
+    if (sent.debutEnErreur)
+        failed << QStringLiteral("the start of the programme");
+    for (const int n : sent.lignesEnErreur)
+        failed << QStringLiteral("line %1").arg(n);
+    printLine(QStringLiteral("%1 of %2 line(s) sent").arg(sent.lignesEnvoyees).arg(count));
+    if (!failed.isEmpty())
+        printLine(QStringLiteral("not confirmed (CRC error): %1; the controller may not hold "
+                                 "what was sent")
+                      .arg(failed.join(QStringLiteral(", "))));
+    if (!sent.resultat)
+        printLine(QStringLiteral("not sent: line(s) %1 to %2; the controller holds the lines "
+                                 "sent so far")
+                      .arg(sent.lignesEnvoyees + 1)
+                      .arg(count));
+}
+
 int runDownload(Session& s, Arguments& args) {
     const QString file = absolute(args.takePositional(QStringLiteral("FILE.prg")));
     args.expectEnd();
     if (!QFileInfo(file).isFile())
         throw UsageError{QStringLiteral("no such programme file: %1").arg(file)};
-    s.config->load(file); // a malformed file is refused before config.xml changes
+    // The file is read and checked whole before config.xml changes or a
+    // frame goes: a malformed file, or a line the frames cannot carry,
+    // leaves everything as it was.
+    Conditions fromFile;
+    LitConditions(*s.config, fromFile, file);
+    const QString language = firstLanguage(s);
+    const std::int16_t fileState = Donne_EtatDefautSortie(*s.config, language, 0, file);
+    if (const auto fault = VerifieProgramme(fromFile, fileState)) {
+        std::fprintf(stderr, "quorvelctl: %s\n",
+                     qUtf8Printable(
+                         texteRefus(*fault, [&s](const QString& key) { return s.message(key); })));
+        std::fprintf(stderr, "quorvelctl: nothing sent, config.xml unchanged\n");
+        return kExitProgrammeRefused;
+    }
+
     // As the editor opens a file: its sections replace those of config.xml,
     // its name is remembered, and the default state shown from it is stored.
     s.config->ImporteConfiguration(file);
-    const QString language = firstLanguage(s);
-    const std::int16_t fileState = Donne_EtatDefautSortie(*s.config, language, 0, file);
     Sauve_EtatDefautSortie(*s.config, language, 0, fileState);
     s.config->EcritValeurXML(QStringLiteral("NomProgramme"), QFileInfo(file).fileName());
 
     Conditions conditions;
     LitConditions(*s.config, conditions);
     s.state.TimeOut = false;
-    const EnvoiResultat sent = Envoi_Conditions(
-        *s.device, conditions, Donne_EtatDefautSortie(*s.config, language, 0),
-        s.message(QStringLiteral("Les anciennes valeurs seront écrasées")), QDate::currentDate());
+    const MessageLookup message = [&s](const QString& key) { return s.message(key); };
+    const EnvoiResultat sent =
+        Envoi_Conditions(*s.device, conditions, Donne_EtatDefautSortie(*s.config, language, 0),
+                         message(QStringLiteral("Les anciennes valeurs seront écrasées")),
+                         QDate::currentDate(), QDateTime::currentDateTime(), message);
+    if (sent.refus)
+        return kExitProgrammeRefused;
     if (sent.cancelled) {
         std::fprintf(stderr, "quorvelctl: download cancelled (use --yes to answer OK)\n");
         return kExitDeviceFailed;
     }
-    if (!sent.resultat)
+    if (!sent.resultat || sent.erreurCRC()) {
+        reportDownload(sent, conditions.Count());
         return kExitDeviceFailed;
+    }
     printLine(QStringLiteral("%1 line(s) sent").arg(conditions.Count()));
     return kExitOk;
 }
@@ -154,8 +196,21 @@ int runUpload(Session& s, Arguments& args) {
     const ProgrammeLu read = LitEtSauveProgramme(
         *s.device, *s.config, [&s](const QString& key) { return s.message(key); },
         outputFormats(s));
-    if (read.fin == ProgrammeLu::Fin::TimeOut || s.state.TimeOut)
+    if (read.fin != ProgrammeLu::Fin::MarqueDeFin && read.fin != ProgrammeLu::Fin::ImageVide) {
+        const QString why = read.fin == ProgrammeLu::Fin::TimeOut ? QStringLiteral("no answer")
+                            : read.fin == ProgrammeLu::Fin::ErreurCRC
+                                ? QStringLiteral("CRC error")
+                                : QStringLiteral("past the memory");
+        const int lines = read.conditions ? read.conditions->Count() : 0;
+        printLine(QStringLiteral("%1 line(s) read whole; the read of address %2 failed (%3)")
+                      .arg(lines)
+                      .arg(read.adresseEchec)
+                      .arg(why));
+        printLine(output ? QStringLiteral("nothing stored: config.xml and %1 unchanged")
+                               .arg(QFileInfo(*output).fileName())
+                         : QStringLiteral("nothing stored: config.xml unchanged"));
         return kExitDeviceFailed;
+    }
     if (read.conditions)
         printConditions(s, *read.conditions);
     else if (!s.json)
@@ -166,7 +221,7 @@ int runUpload(Session& s, Arguments& args) {
         s.config->EcritValeurXML(QStringLiteral("NomProgramme"), QFileInfo(path).fileName());
         s.config->save(s.config->load(), path);
     }
-    return read.fin == ProgrammeLu::Fin::FinMemoire ? kExitDeviceFailed : kExitOk;
+    return kExitOk;
 }
 
 } // namespace

@@ -11,6 +11,8 @@ int StderrDialogs::message(const QString& text, const QString& title, int style)
         std::fprintf(out_, "%s: %s\n", qUtf8Printable(heading), qUtf8Printable(text));
         std::fflush(out_);
     }
+    if (text.endsWith(QLatin1String(" (Time Out)")) || text.endsWith(QLatin1String(" (CRC error)")))
+        exchangeFailed_ = true;
     const int buttons = style & 7;
     if (buttons == MsgBox::YesNo)
         return answerYes_ ? MsgBox::AnswerYes : MsgBox::AnswerNo;

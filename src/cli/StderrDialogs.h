@@ -19,7 +19,13 @@ public:
     // Prints each box through `printer` instead ("title: text").
     void setPrinter(std::function<void(const QString&)> printer) { printer_ = std::move(printer); }
 
+    // The link has told of an exchange that failed after its retries (its
+    // box ends in " (Time Out)" or " (CRC error)"). Kept for the whole run,
+    // since the flags tell only of the last exchange.
+    bool exchangeFailed() const { return exchangeFailed_; }
+
 private:
+    bool exchangeFailed_ = false;
     bool answerYes_;
     std::FILE* out_;
     std::function<void(const QString&)> printer_;

@@ -179,7 +179,10 @@ int run(QStringList words) {
     if (!deviceOption && session.bus->deviceCount() > 0)
         session.state.UsbID = session.bus->uniqueId(0);
 
-    return command->run(session, commandArgs);
+    const int status = command->run(session, commandArgs);
+    // Whatever a command made of a failed exchange, the run did not go
+    // through cleanly.
+    return status == kExitOk && session.dialogs->exchangeFailed() ? kExitDeviceFailed : status;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "config/ConfigDocument.h"
 
 #include "config/LegacyNumber.h"
+#include "config/XmlGuard.h"
 #include "config/XmlWriter.h"
 #include "link/Bytes.h"
 
@@ -246,6 +247,14 @@ ConfigDocument::CacheEntry& ConfigDocument::entry(const QString& path) const {
     }
 
     if (!entry->document) {
+        if (const auto refusal = checkDocument(entry->bytes)) {
+            cache_->remove(key);
+            throw ConfigError(QStringLiteral("The configuration file \"%1\" is refused: %2 "
+                                             "(line %3, column %4)")
+                                  .arg(key, refusal->reason)
+                                  .arg(refusal->line)
+                                  .arg(refusal->column));
+        }
         QDomDocument document;
         QString message;
         int line = 0;

@@ -1,6 +1,7 @@
 #include "config/XmlWriter.h"
 
 #include "config/AttributeOrder.h"
+#include "config/XmlGuard.h"
 
 #include <QDomNamedNodeMap>
 #include <QRegularExpression>
@@ -126,6 +127,14 @@ private:
     }
 
     bool element(const QDomElement& e, int depth, bool inLine) {
+        // The reader refuses such a document; writing one would leave a file
+        // that never loads again, and each level costs stack here.
+        if (depth >= kMaxDocumentDepth) {
+            error_ = QStringLiteral("the element <%1> is nested deeper than %2 levels")
+                         .arg(e.tagName())
+                         .arg(kMaxDocumentDepth);
+            return false;
+        }
         out_ += QLatin1Char('<') + e.tagName();
 
         const QDomNamedNodeMap map = e.attributes();
@@ -138,13 +147,20 @@ private:
         std::sort(attributes.begin(), attributes.end());
         const QStringList order = attributeOrder(e);
         if (!order.isEmpty()) {
-            const auto rank = [&order](const QString& name) {
-                const qsizetype i = order.indexOf(name.toUpper());
-                return i < 0 ? order.size() : i;
-            };
-            std::stable_sort(
-                attributes.begin(), attributes.end(),
-                [&rank](const auto& a, const auto& b) { return rank(a.first) < rank(b.first); });
+            // Ranked once each: a programme row has some seventy attributes.
+            std::vector<std::pair<qsizetype, std::size_t>> ranked;
+            ranked.reserve(attributes.size());
+            for (std::size_t i = 0; i < attributes.size(); ++i) {
+                const qsizetype at = order.indexOf(attributes[i].first.toUpper());
+                ranked.emplace_back(at < 0 ? order.size() : at, i);
+            }
+            std::stable_sort(ranked.begin(), ranked.end(),
+                             [](const auto& a, const auto& b) { return a.first < b.first; });
+            std::vector<std::pair<QString, QString>> sorted;
+            sorted.reserve(attributes.size());
+            for (const auto& [rank, i] : ranked)
+                sorted.push_back(std::move(attributes[i]));
+            attributes = std::move(sorted);
         }
         for (const auto& [name, value] : attributes) {
             out_ += QLatin1Char(' ') + name + QLatin1String("=\"");

@@ -32,7 +32,8 @@ void MainScreenLogic::Ecrire_Click() {
         const std::int16_t etatDefaut = Donne_EtatDefautSortie(config_, premiere, 0);
         const EnvoiResultat envoi = Envoi_Conditions(
             device_, conditions_, etatDefaut,
-            message(QStringLiteral("Les anciennes valeurs seront écrasées")), madate(), now());
+            message(QStringLiteral("Les anciennes valeurs seront écrasées")), madate(), now(),
+            [this](const QString& key) { return message(key); });
         if (envoi.cancelled)
             view_.setEnabled(QStringLiteral("Ecrire"), true);
         if (!envoi.resultat || state.TimeOut)

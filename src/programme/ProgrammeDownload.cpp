@@ -54,9 +54,19 @@ Bytes periodFrame(const Condition& c) {
 
 EnvoiResultat Envoi_Conditions(Device& device, const Conditions& conditions,
                                std::int16_t etatDefaut, const QString& questionText,
-                               const QDate& madate, const QDateTime& now) {
+                               const QDate& madate, const QDateTime& now,
+                               const MessageLookup& message) {
     EnvoiResultat result;
-    const int answer = device.link().dialogs().message(questionText, QString(), MsgBox::OkCancel);
+    Dialogs& dialogs = device.link().dialogs();
+    // Checked before the first frame: a field found out of range half-way
+    // would leave the device holding part of the programme.
+    result.refus = VerifieProgramme(conditions, etatDefaut);
+    if (result.refus) {
+        dialogs.message(texteRefus(*result.refus, message), QString(),
+                        MsgBox::OkOnly | MsgBox::Exclamation);
+        return result;
+    }
+    const int answer = dialogs.message(questionText, QString(), MsgBox::OkCancel);
     if (answer != MsgBox::AnswerOk) {
         result.cancelled = true;
         return result;
@@ -68,26 +78,33 @@ EnvoiResultat Envoi_Conditions(Device& device, const Conditions& conditions,
     MAH(device, 255, madate, now);
     if (state.TimeOut)
         return result;
+    result.horlogeEnErreur = state.CRCError;
 
-    // The reply means nothing to us; only silence does.
+    // The reply means nothing to us; only silence does. A reply that fails
+    // its check lets the download go on, but is remembered.
+    bool lineFailed = false;
     const auto send = [&](const Bytes& request) {
         device.transact(request, ReplyLength::Programme);
+        lineFailed = lineFailed || state.CRCError;
         return !state.TimeOut;
     };
     if (!send(beginProgrammeFrame(etatDefaut)))
         return result;
+    result.debutEnErreur = lineFailed;
 
     const int count = conditions.Count();
     for (int n = 1; n <= count; ++n) {
         const Condition& c = *conditions.Item(n);
-        if (!send(conditionFrame(c, n)))
+        lineFailed = false;
+        const bool sent = send(conditionFrame(c, n)) &&
+                          (c.Jour == JourPeriode || c.Jour == 0 || send(dayTimeFrame(c))) &&
+                          (c.Jour != JourPlage || send(rangeEndFrame(c))) &&
+                          (c.Jour != JourPeriode || send(periodFrame(c)));
+        if (lineFailed)
+            result.lignesEnErreur.push_back(n);
+        if (!sent)
             return result;
-        if (c.Jour != JourPeriode && c.Jour != 0 && !send(dayTimeFrame(c)))
-            return result;
-        if (c.Jour == JourPlage && !send(rangeEndFrame(c)))
-            return result;
-        if (c.Jour == JourPeriode && !send(periodFrame(c)))
-            return result;
+        ++result.lignesEnvoyees;
     }
     result.resultat = true;
     return result;

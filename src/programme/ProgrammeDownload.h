@@ -3,11 +3,14 @@
 #include "device/Device.h"
 #include "link/Bytes.h"
 #include "programme/Conditions.h"
+#include "programme/ProgrammeCheck.h"
 
 #include <QDate>
 #include <QDateTime>
 #include <QString>
 #include <cstdint>
+#include <optional>
+#include <vector>
 
 namespace qv {
 
@@ -42,13 +45,29 @@ Bytes periodFrame(const Condition& c);
 struct EnvoiResultat {
     bool resultat = false;  // every frame has gone
     bool cancelled = false; // the operator said Cancel: nothing was sent
+    // The programme cannot be framed: nothing was asked or sent, and the
+    // operator has been told which line and field.
+    std::optional<ProgrammeFault> refus;
+    // The lines all of whose frames were answered, from the first on.
+    int lignesEnvoyees = 0;
+    // Frames whose reply failed its check value three times. The download
+    // goes on past them, so the device may hold something else than sent.
+    bool horlogeEnErreur = false; // the clock frame
+    bool debutEnErreur = false;   // the frame that begins the image
+    std::vector<int> lignesEnErreur;
+
+    bool erreurCRC() const { return horlogeEnErreur || debutEnErreur || !lignesEnErreur.empty(); }
 };
 
 // Sends `conditions` to the device in use, after the operator's consent.
 //
+// The programme is checked whole first (VerifieProgramme): one that its
+// frames cannot carry is refused with a box in the operator's language
+// (through `message`), before the question and before any frame.
+//
 // The question `questionText` (the text of "Les anciennes valeurs seront
-// écrasées") is always asked, with an empty programme too, since the old
-// image is lost either way. Any answer but OK counts as Cancel. Then the
+// écrasées") is asked for every programme that passes the check, an empty
+// one too, since the old image is lost either way. Any answer but OK counts as Cancel. Then the
 // device's clock is set (option 255: a programme follows), the image is
 // begun with `etatDefaut`, and each line goes as one to three frames. The
 // first frame that times out ends the download: the device keeps the lines
@@ -58,13 +77,10 @@ struct EnvoiResultat {
 // `etatDefaut` is the state that Donne_EtatDefautSortie gives for output 0
 // in the first language of the list (not necessarily the one in use).
 // `madate` gives the day of the week of the clock frame.
-//
-// A field that does not fit its byte throws OverflowError when its frame is
-// built; the frames before it have gone. The editor's limits keep this from
-// happening.
 EnvoiResultat Envoi_Conditions(Device& device, const Conditions& conditions,
                                std::int16_t etatDefaut, const QString& questionText,
                                const QDate& madate,
-                               const QDateTime& now = QDateTime::currentDateTime());
+                               const QDateTime& now = QDateTime::currentDateTime(),
+                               const MessageLookup& message = {});
 
 } // namespace qv

@@ -1,6 +1,7 @@
 #include "ProgrammeUpload.h"
 
 #include "config/ConfigDocument.h"
+#include "config/Windows1252.h"
 #include "device/MemoryMap.h"
 #include "device/Packing.h"
 #include "programme/ProgrammeStore.h"
@@ -25,6 +26,7 @@ constexpr int kLastAddress = Address::MemorySize - 1;
 // Thrown by the reader to abandon the image; never leaves this file.
 struct Stop {
     ProgrammeLu::Fin fin;
+    int address;
 };
 
 // Plain EEPROM reads that give up instead of returning a failed read's 0,
@@ -34,27 +36,31 @@ public:
     explicit ImageReader(Device& device) : device_(device) {}
 
     int byte(int address) {
-        within(address);
+        within(address, address);
         const int value = device_.LitEEprom(address);
-        answered();
+        answered(address);
         return value;
     }
 
     int word(int address) {
-        within(address + 1);
+        within(address, address + 1);
         const int value = device_.LitEEpromMot(address);
-        answered();
+        answered(address);
         return value;
     }
 
 private:
-    static void within(int lastAddress) {
+    static void within(int address, int lastAddress) {
         if (lastAddress > kLastAddress)
-            throw Stop{ProgrammeLu::Fin::FinMemoire};
+            throw Stop{ProgrammeLu::Fin::FinMemoire, address};
     }
-    void answered() const {
+    // A reply that failed its check value three times comes back as zeros
+    // too: taken as data, it would turn into lines the device does not hold.
+    void answered(int address) const {
         if (device_.state().TimeOut)
-            throw Stop{ProgrammeLu::Fin::TimeOut};
+            throw Stop{ProgrammeLu::Fin::TimeOut, address};
+        if (device_.state().CRCError)
+            throw Stop{ProgrammeLu::Fin::ErreurCRC, address};
     }
 
     Device& device_;
@@ -136,7 +142,9 @@ Condition readLine(ImageReader& image, int& p, int head, int rang, const Message
         QByteArray text;
         for (int i = 0; i < length; ++i)
             text.append(static_cast<char>(image.byte(p + 2 + i)));
-        c.Commentaire = QString::fromLatin1(text);
+        // A control byte (NUL padding, say) would make config.xml unsavable
+        // and stop the rest of the full read; the line is kept without it.
+        c.Commentaire = xmlStorable(decodeWindows1252(text));
         p += length + 2;
         head = image.byte(p);
     }
@@ -200,6 +208,7 @@ ProgrammeLu LitProgramme(Device& device, const MessageLookup& message,
         result.fin = ProgrammeLu::Fin::MarqueDeFin;
     } catch (const Stop& stop) {
         result.fin = stop.fin;
+        result.adresseEchec = stop.address;
     }
     return result;
 }

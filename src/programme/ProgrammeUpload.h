@@ -2,6 +2,7 @@
 
 #include "device/Device.h"
 #include "programme/Conditions.h"
+#include "programme/ProgrammeCheck.h"
 
 #include <QString>
 #include <functional>
@@ -17,15 +18,13 @@ class ConfigDocument;
 //
 // Image, from address 48: line records, ended by a 255 where a record would
 // begin. A record may start with a comment prefix (253, length L, L bytes of
-// Latin-1 text), then a 13-byte header: sortie, term count T, flags (bit 0:
+// text in code page 1252), then a 13-byte header: sortie, term count T, flags (bit 0:
 // a range block follows), the action field at 3..8, Temporisation at 11..12
 // (low byte first). Then the range block (two entries of 9 bytes when they
 // begin with 9, of 5 otherwise), then T terms of 10 bytes each: 9 a day and
 // time, 11 a periodic line, anything else a logic sub-condition whose index
 // is that first byte.
 
-// The text of a language key in the language in use.
-using MessageLookup = std::function<QString(const QString& key)>;
 // The item data of the output list's row at `position`; nullopt when there
 // is no such row.
 using OutputFormatLookup = std::function<std::optional<double>(int position)>;
@@ -35,6 +34,7 @@ struct ProgrammeLu {
         ImageVide,   // the first byte is the end mark
         MarqueDeFin, // every line up to the end mark was read
         TimeOut,     // a read went unanswered
+        ErreurCRC,   // a reply failed its check value three times
         FinMemoire,  // the image runs past the end of the device's memory
     };
     Fin fin = Fin::ImageVide;
@@ -42,6 +42,8 @@ struct ProgrammeLu {
     // the very first read went unanswered; after a stop it holds the lines
     // that were complete before it.
     std::optional<Conditions> conditions;
+    // The address whose read ended the image early; -1 after a whole read.
+    int adresseEchec = -1;
 
     bool complet() const { return fin == Fin::MarqueDeFin; }
 };
@@ -57,15 +59,21 @@ struct ProgrammeLu {
 //
 // The firmware marks the end with a 255, and a dead device answers every
 // read with 0, which is no mark; so the read also stops at the first read
-// that goes unanswered and before any read past address 511. A damaged
+// that goes unanswered or fails its check value, and before any read past
+// address 511.
+//
+// A comment is decoded in code page 1252, the characters that config.xml
+// cannot carry replaced by "?". A damaged
 // image thus costs fewer than two exchanges per byte of memory (the link's
 // retries aside), and never loops.
 ProgrammeLu LitProgramme(Device& device, const MessageLookup& message,
                          const OutputFormatLookup& outputFormat);
 
 // LitProgramme, and on a complete read the stored programme of config.xml
-// replaced with the lines of the device. An empty image, a dead device or
-// a damaged image leaves config.xml untouched. Throws ConfigError when
+// replaced with the lines of the device. An empty image, a dead device, a
+// failed check value or a damaged image leaves config.xml untouched: a
+// partial programme would replace the operator's with one the device does
+// not hold. Throws ConfigError when
 // config.xml cannot be read or written.
 ProgrammeLu LitEtSauveProgramme(Device& device, const ConfigDocument& config,
                                 const MessageLookup& message,

@@ -212,23 +212,23 @@ TEST_F(ConfigDocumentTest, SwitchesConvertLikeTheRuntime) {
                               "<Conf/></Configuration>")
             .arg(QString::fromUtf8(text));
     };
-    for (const Case& c : std::vector<Case>{
-             {"<Configuration><Conf/></Configuration>", true, false},
-             {"<Config><Splash>False</Splash><Maintenance>True</Maintenance></Config>", true,
-              false}, // under a root of another name they are absent
-             {both("True"), true, true},
-             {both("FALSE"), false, false},
-             {both("0"), false, false},
-             {both("-1"), true, true},
-             {both(" 1 "), true, true},
-             {both(""), true, false},
-             {both("oui"), true, false}}) {
+    for (const Case& c : std::vector<Case>{{"<Configuration><Conf/></Configuration>", true, false},
+                                           {both("True"), true, true},
+                                           {both("FALSE"), false, false},
+                                           {both("0"), false, false},
+                                           {both("-1"), true, true},
+                                           {both(" 1 "), true, true},
+                                           {both(""), true, false},
+                                           {both("oui"), true, false}}) {
         SCOPED_TRACE(c.content.toStdString());
         writeAll(path, c.content.toUtf8());
         ConfigDocument doc(path);
         EXPECT_EQ(doc.LitSplash(), c.splash);
         EXPECT_EQ(doc.LitMaintenance(), c.maintenance);
     }
+    // A root of another name is no configuration at all.
+    writeAll(path, "<Config><Splash>False</Splash><Maintenance>True</Maintenance></Config>");
+    EXPECT_THROW(ConfigDocument(path).LitMaintenance(), ConfigError);
 }
 
 TEST_F(ConfigDocumentTest, ValuesAreReadAndWrittenByExactNameOnly) {

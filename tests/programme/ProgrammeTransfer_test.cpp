@@ -322,35 +322,76 @@ TEST_F(ProgrammeTransfer, DeadDeviceStopsTheDownloadAtTheFirstFailure) {
     }
 }
 
-// A field that does not fit its byte aborts the download when its frame is
-// built: what went before has gone, the bad frame and the rest do not.
-TEST_F(ProgrammeTransfer, FieldOutOfByteRangeThrowsAndSendsNothingFurther) {
+Condition& at(Conditions& lines) {
+    return *lines.Item(2);
+}
+
+// A field that does not fit its frame is found before the question: the
+// operator is told which line and field, and not a frame goes.
+TEST_F(ProgrammeTransfer, ProgrammeOutOfRangeIsRefusedBeforeAnyFrame) {
     struct Case {
-        void (*spoil)(Condition&);
-        size_t framesSent; // clock, begin, line 1, then what line 2 got out
+        void (*spoil)(Conditions&);
+        const char* says;
     };
     const Case cases[] = {
-        {[](Condition& c) { c.sortie = 256; }, 3},
-        {[](Condition& c) { c.Jour = -1; }, 3},
-        {[](Condition& c) { c.Heure = 300; }, 4},
-        {[](Condition& c) { c.Jour = JourPlage, c.PlageFinHeure = 256; }, 5},
-        {[](Condition& c) { c.Jour = JourPeriode, c.Seconde = 256; }, 4},
+        {[](Conditions& l) { at(l).sortie = 256; }, "line 2, field SORTIE: 256"},
+        {[](Conditions& l) { at(l).Jour = -1; }, "line 2, field JOUR: -1"},
+        {[](Conditions& l) { at(l).Jour = 13; }, "line 2, field JOUR: 13"},
+        {[](Conditions& l) { at(l).Heure = 300; }, "line 2, field HEURE: 300"},
+        {[](Conditions& l) { at(l).Jour = JourPlage, at(l).PlageFinHeure = 256; },
+         "line 2, field HEUREFIN: 256"},
+        {[](Conditions& l) { at(l).Jour = JourPeriode, at(l).Seconde = 256; },
+         "line 2, field SECONDE: 256"},
+        {[](Conditions& l) { at(l).Valeur = -1e10; }, "line 2, field VALEUR: -10000000000"},
+        {[](Conditions& l) {
+             while (l.Count() <= kMaxLignesEnvoi)
+                 l.Add(line(0, 0, 1, 5));
+         },
+         "it has 257 lines, the controller takes at most 256"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.framesSent);
+        SCOPED_TRACE(c.says);
         revive();
         const int before = gate.attempts();
         Conditions conditions;
         conditions.Add(line(0, 0, 1, 5));
-        Condition bad = line(2, 0, 1, 5);
-        c.spoil(bad);
-        conditions.Add(bad);
+        conditions.Add(line(2, 0, 1, 5));
         conditions.Add(line(0, 0, 1, 5));
-        EXPECT_THROW(download(conditions), OverflowError);
-        EXPECT_EQ(frames().size(), c.framesSent);
-        // Caught before the link opened anything for the bad frame.
-        EXPECT_EQ(gate.attempts() - before, static_cast<int>(c.framesSent));
+        c.spoil(conditions);
+        const EnvoiResultat result = download(conditions);
+        EXPECT_FALSE(result.resultat);
+        EXPECT_FALSE(result.cancelled);
+        ASSERT_TRUE(result.refus);
+        EXPECT_EQ(gate.attempts(), before);
+        ASSERT_EQ(dialogs.boxes().size(), 1u);
+        EXPECT_TRUE(dialogs.boxes()[0].text.contains(QString::fromUtf8(c.says)))
+            << dialogs.boxes()[0].text.toStdString();
     }
+    // The default state of the output goes in a byte too.
+    revive();
+    EXPECT_EQ(download(Conditions{}, -1).refus->kind, ProgrammeFault::Kind::DefaultState);
+    EXPECT_EQ(gate.attempts(), 0);
+}
+
+// The refusal is in the operator's language.
+TEST_F(ProgrammeTransfer, RefusalSpeaksTheLanguageInUse) {
+    Conditions conditions;
+    Condition bad = line(2, 0, 1, 5);
+    bad.Minute = 60 * 60;
+    conditions.Add(bad);
+    ConfigDocument config(configPath());
+    const MessageLookup french = [&config](const QString& key) {
+        return config.LitMessage(QStringLiteral("Français"), key, QString());
+    };
+    const EnvoiResultat result =
+        Envoi_Conditions(device, conditions, 1, kQuestion, QDate(2024, 3, 7),
+                         QDateTime(QDate(2024, 3, 5), QTime(14, 3, 5)), french);
+    ASSERT_TRUE(result.refus);
+    ASSERT_EQ(dialogs.boxes().size(), 1u);
+    EXPECT_EQ(dialogs.boxes()[0].text,
+              QStringLiteral("Le programme ne peut pas être envoyé : ligne 1, champ MINUTE : "
+                             "3600 est hors limites."));
+    EXPECT_TRUE(bus.traceLines().isEmpty());
 }
 
 // ---------------------------------------------------------------- round trip
@@ -447,11 +488,43 @@ TEST_F(ProgrammeTransfer, TimeTermsAndRangeBlocksSetTheTimeFieldsOnly) {
         EXPECT_EQ(test::storedFields(single(bytes + kEnd)), test::storedFields(expected));
     }
 
-    // A comment prefix is read as Latin-1 and skipped.
+    // A comment prefix is read in code page 1252 and skipped.
     EXPECT_EQ(test::storedFields(single(Image{253, 0} + header() + kEnd)),
               test::storedFields(plain()));
-    EXPECT_EQ(single(Image{253, 5, 'G', 'a', 'r', 0xE9, '!'} + header() + kEnd).Commentaire,
-              QStringLiteral("Gar\u00E9!"));
+    const std::pair<Image, QString> comments[] = {
+        {{'G', 'a', 'r', 0xE9, '!'}, QStringLiteral("Gar\u00E9!")},
+        {{0x80, ' ', 'l', 0x92, 'a', 'n'}, QStringLiteral("\u20AC l\u2019an")},
+        {{0x85, 0x9C, 0x9F}, QStringLiteral("\u2026\u0153\u0178")},
+        {{0x81, 0x8D, 0xFF}, QStringLiteral("\u0081\u008D\u00FF")}, // undefined: kept as is
+        // What XML cannot carry; tab, line feed and carriage return it can.
+        {{'a', 0x01, 0x0B, 0x1F, '\t', '\n', '\r', 0, 0}, QStringLiteral("a???\t\n\r??")},
+    };
+    for (const auto& [bytes, text] : comments) {
+        Image record{253, static_cast<int>(bytes.size())};
+        record = record + bytes;
+        EXPECT_EQ(single(record + header() + kEnd).Commentaire, text);
+    }
+}
+
+// A device comment with control bytes and NUL padding is stored with them
+// replaced; the document stays well-formed, and every other field is kept.
+TEST_F(ProgrammeTransfer, UploadOfAControlCharacterCommentIsStoredAndLoadsAgain) {
+    outputFormats = {{3, 0}};
+    writeImage(Image{253, 6, 'O', 'K', 0x01, 0x92, 0, 0} + header(1) + kDayTerm +
+               Image{253, 1, 0x07} + header() + kEnd);
+    const ConfigDocument config(configPath());
+    const ProgrammeLu read = uploadAndSave(config);
+    ASSERT_EQ(read.fin, Fin::MarqueDeFin);
+    Conditions stored;
+    LitConditions(ConfigDocument(configPath()), stored);
+    ASSERT_EQ(stored.Count(), 2);
+    EXPECT_EQ(stored.Item(1)->Commentaire, QStringLiteral("OK?\u2019??"));
+    EXPECT_EQ(stored.Item(2)->Commentaire, QStringLiteral("?"));
+    for (int n = 1; n <= 2; ++n)
+        EXPECT_EQ(test::storedFields(*stored.Item(n)),
+                  test::storedFields(*read.conditions->Item(n)));
+    EXPECT_EQ(stored.Item(1)->Jour, 3);
+    EXPECT_EQ(stored.Item(1)->Temporisation, 300);
 }
 
 // Bit 7 of byte 4 makes the copy form: input number from byte 3, value and

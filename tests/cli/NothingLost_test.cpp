@@ -1,0 +1,276 @@
+// Failed exchanges, programmes the frames cannot carry and hostile
+// documents, tried through quorvelctl as a technician would: each run is a
+// separate process against a simulated controller kept in a state file, and
+// what counts is the exit status, the message, and that config.xml and the
+// controller's memory hold what they should afterwards.
+#include "config/ConfigDocument.h"
+#include "programme/Conditions.h"
+#include "programme/ProgrammeStore.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace qv {
+namespace {
+
+struct Outcome {
+    int status = -1;
+    QProcess::ExitStatus exit = QProcess::CrashExit;
+    QString out;
+    QString err;
+    qint64 elapsedMs = 0;
+};
+
+QByteArray readAll(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeAll(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+Condition line(std::int16_t jour, std::int16_t heure) {
+    Condition c;
+    c.Nom = QStringLiteral("Valve");
+    c.sortie = 3;
+    c.Valeur = 1;
+    c.Temporisation = 300;
+    c.Jour = jour;
+    c.Heure = heure;
+    c.Minute = 15;
+    return c;
+}
+
+class NothingLost : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+
+    void SetUp() override {
+        ASSERT_TRUE(dir.isValid());
+        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), config()));
+        QFile::setPermissions(config(), QFile::ReadOwner | QFile::WriteOwner);
+    }
+
+    QString config() const { return dir.filePath(QStringLiteral("config.xml")); }
+    QString state() const { return dir.filePath(QStringLiteral("sim.json")); }
+
+    Outcome run(QStringList args, const QString& faults = QString(), int timeoutMs = 60000) {
+        QString link = QStringLiteral("sim:restartMs=0,state=%1").arg(state());
+        if (!faults.isEmpty())
+            link += QLatin1Char(',') + faults;
+        QStringList all{QStringLiteral("--app-dir"), dir.path(), QStringLiteral("--link"), link};
+        all << args;
+        QProcess process;
+        QElapsedTimer timer;
+        timer.start();
+        process.start(QStringLiteral(QUORVELCTL_PATH), all);
+        if (!process.waitForFinished(timeoutMs)) {
+            process.kill();
+            process.waitForFinished();
+        }
+        return {process.exitCode(), process.exitStatus(),
+                QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError()), timer.elapsed()};
+    }
+
+    // The controller's whole memory, as its state file keeps it.
+    QString memory() const {
+        const QJsonObject root = QJsonDocument::fromJson(readAll(state())).object();
+        return root.value(QStringLiteral("devices"))
+            .toArray()
+            .at(0)
+            .toObject()
+            .value(QStringLiteral("eeprom"))
+            .toString();
+    }
+
+    // A programme file as the editor saves one: config.xml with these lines.
+    QString programmeFile(const QString& name, const Conditions& lines) {
+        const QString path = dir.filePath(name);
+        QFile::remove(path);
+        EXPECT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), path));
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+        SauveConditions(ConfigDocument(path), lines);
+        return path;
+    }
+
+    // The controller and config.xml both hold `lines`, sent cleanly.
+    void holding(const Conditions& lines) {
+        const QString prg = programmeFile(QStringLiteral("first.prg"), lines);
+        const Outcome r = run({QStringLiteral("--yes"), QStringLiteral("programme"),
+                               QStringLiteral("download"), prg});
+        ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    }
+};
+
+const QStringList kCheckFaults{QStringLiteral("corrupt=3"), QStringLiteral("short=3")};
+
+// The clock frame is the first exchange of a download; its reply fails the
+// check three times. The rest goes, but the run did not go through cleanly.
+TEST_F(NothingLost, DownloadWhoseFrameFailsItsCheckExitsOneAndSaysWhat) {
+    Conditions lines;
+    for (std::int16_t n = 1; n <= 4; ++n)
+        lines.Add(line(n, n));
+    const QString prg = programmeFile(QStringLiteral("site.prg"), lines);
+    for (const QString& fault : kCheckFaults) {
+        SCOPED_TRACE(fault.toStdString());
+        holding({});
+        const QString before = memory();
+        const Outcome r = run(
+            {QStringLiteral("--yes"), QStringLiteral("programme"), QStringLiteral("download"), prg},
+            fault);
+        EXPECT_EQ(r.status, 1) << r.out.toStdString();
+        EXPECT_TRUE(r.err.contains(QStringLiteral("Quorvel not responding (CRC error)")))
+            << r.err.toStdString();
+        EXPECT_TRUE(r.out.contains(QStringLiteral("4 of 4 line(s) sent"))) << r.out.toStdString();
+        EXPECT_TRUE(r.out.contains(QStringLiteral("not confirmed (CRC error): the clock")))
+            << r.out.toStdString();
+        // The lines themselves went: the controller's image changed, and
+        // config.xml took the file as the operator asked.
+        EXPECT_NE(memory(), before);
+        EXPECT_EQ(ConfigDocument(config()).LitValeurXML(QStringLiteral("NomProgramme")),
+                  QStringLiteral("site.prg"));
+    }
+}
+
+// The first read of the image fails its check: taken as a 0 it used to
+// become a line the controller does not hold, stored over the operator's.
+TEST_F(NothingLost, UploadWithAFailedReadStoresNothing) {
+    Conditions lines;
+    lines.Add(line(3, 6));
+    lines.Add(line(JourPlage, 22));
+    holding(lines);
+    const QString copy = dir.filePath(QStringLiteral("copy.prg"));
+    writeAll(copy, "<Configuration><CONDITIONS/></Configuration>\n");
+    for (const QString& fault : kCheckFaults) {
+        SCOPED_TRACE(fault.toStdString());
+        const QByteArray configBefore = readAll(config());
+        const QString memoryBefore = memory();
+        const Outcome r =
+            run({QStringLiteral("programme"), QStringLiteral("upload"), QStringLiteral("-o"), copy},
+                fault);
+        EXPECT_EQ(r.status, 1) << r.out.toStdString();
+        EXPECT_TRUE(r.err.contains(QStringLiteral("(CRC error)"))) << r.err.toStdString();
+        EXPECT_TRUE(r.out.contains(QStringLiteral("nothing stored: config.xml and copy.prg "
+                                                  "unchanged")))
+            << r.out.toStdString();
+        EXPECT_EQ(readAll(config()), configBefore);
+        EXPECT_EQ(readAll(copy), QByteArray("<Configuration><CONDITIONS/></Configuration>\n"));
+        EXPECT_EQ(memory(), memoryBefore);
+    }
+    // Without the fault the same command stores the controller's lines.
+    const Outcome clean = run({QStringLiteral("programme"), QStringLiteral("upload")});
+    EXPECT_EQ(clean.status, 0) << clean.err.toStdString();
+    Conditions stored;
+    LitConditions(ConfigDocument(config()), stored);
+    EXPECT_EQ(stored.Count(), 2);
+}
+
+// A value that no frame can carry is found before anything changes, and
+// named by its line and field.
+TEST_F(NothingLost, ProgrammeThatCannotBeSentChangesNothing) {
+    holding({});
+    struct Case {
+        void (*spoil)(Condition&);
+        const char* says;
+    };
+    const Case cases[] = {
+        {[](Condition& c) { c.Jour = -3; }, "line 2, field JOUR: -3"},
+        {[](Condition& c) { c.Jour = 13; }, "line 2, field JOUR: 13"},
+        {[](Condition& c) { c.sortie = 300; }, "line 2, field SORTIE: 300"},
+        {[](Condition& c) { c.Minute = 256; }, "line 2, field MINUTE: 256"},
+        {[](Condition& c) { c.Jour = JourPlage, c.PlageFinSeconde = -1; },
+         "line 2, field SECONDEFIN: -1"},
+        {[](Condition& c) { c.Jour = JourPeriode, c.PlageFinHeure = 999; },
+         "line 2, field HEUREFIN: 999"},
+        {[](Condition& c) { c.Valeur = 1e12; }, "line 2, field VALEUR"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.says);
+        Conditions lines;
+        lines.Add(line(1, 8));
+        Condition bad = line(2, 9);
+        c.spoil(bad);
+        lines.Add(bad);
+        lines.Add(line(3, 10));
+        const QString prg = programmeFile(QStringLiteral("bad.prg"), lines);
+        const QByteArray configBefore = readAll(config());
+        const QByteArray stateBefore = readAll(state());
+        const Outcome r = run({QStringLiteral("--yes"), QStringLiteral("programme"),
+                               QStringLiteral("download"), prg});
+        EXPECT_EQ(r.status, 4) << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(QString::fromUtf8(c.says))) << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(QStringLiteral("nothing sent"))) << r.err.toStdString();
+        EXPECT_EQ(readAll(config()), configBefore);
+        // Not a frame went: not even the clock's.
+        EXPECT_EQ(readAll(state()), stateBefore);
+        QFile::remove(prg);
+    }
+}
+
+// Documents that are no configuration at all are refused before anything
+// reads them, and never written back.
+TEST_F(NothingLost, HostileConfigurationIsRefusedWhereItGoesWrong) {
+    const QByteArray shipped = readAll(config());
+    const QByteArray head = shipped.left(shipped.lastIndexOf("</Configuration>"));
+    const int headLines = int(head.count('\n'));
+    struct Case {
+        const char* name;
+        QByteArray document;
+        QStringList args;
+        QString says;
+    };
+    const Case cases[] = {
+        {"root other than Configuration",
+         QByteArray(shipped)
+             .replace("<Configuration>", "<Programme>")
+             .replace("</Configuration>", "</Programme>"),
+         {QStringLiteral("message"), QStringLiteral("Lire")},
+         QStringLiteral("not <Configuration> (line ")},
+        {"root other than Configuration, device command",
+         QByteArray(shipped)
+             .replace("<Configuration>", "<Programme>")
+             .replace("</Configuration>", "</Programme>"),
+         {QStringLiteral("identity")},
+         QStringLiteral("not <Configuration> (line ")},
+        {"10 MB of unclosed elements",
+         "<Configuration>" + QByteArray(10 * 1024 * 1024, 'x').replace("xxx", "<a>"),
+         {QStringLiteral("message"), QStringLiteral("Lire")},
+         QStringLiteral("deeper than 64 levels (line 1, column ")},
+        {"22,000 levels, well-formed, and a new key to save",
+         head + QByteArray("<a>").repeated(22000) + QByteArray("</a>").repeated(22000) +
+             "\n</Configuration>\n",
+         {QStringLiteral("message"), QStringLiteral("A key not yet in the file")},
+         QStringLiteral("deeper than 64 levels (line %1, column ").arg(headLines + 1)},
+        {"12,000 levels, saved by a new key",
+         head + QByteArray("<b>\n").repeated(12000) + QByteArray("</b>\n").repeated(12000) +
+             "</Configuration>\n",
+         {QStringLiteral("message"), QStringLiteral("Another new key")},
+         QStringLiteral("deeper than 64 levels (line %1, column ").arg(headLines + 64)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        writeAll(config(), c.document);
+        const Outcome r = run(c.args, QString(), 20000);
+        EXPECT_EQ(r.exit, QProcess::NormalExit);
+        EXPECT_EQ(r.status, 3) << r.out.toStdString();
+        EXPECT_TRUE(r.err.contains(config())) << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(c.says)) << r.err.toStdString();
+        // Refused at once, whatever the size, and never written back.
+        EXPECT_LT(r.elapsedMs, 3000);
+        EXPECT_TRUE(readAll(config()) == c.document);
+        EXPECT_FALSE(QFile::exists(state()));
+    }
+}
+
+} // namespace
+} // namespace qv
