@@ -62,10 +62,11 @@ void ConnectLogic::RafraichitListe(bool toutAfficher) {
     form_.setBusyCursor(false);
 }
 
-void ConnectLogic::ListeSorvane_Click() {
+void ConnectLogic::ListeSorvane_Click(int row) {
     if (enRafraichissement_ || closed_)
         return;
-    const int row = form_.currentRow(kListe);
+    if (row < 0)
+        row = form_.currentRow(kListe);
     const auto rows = form_.rows(kListe);
     if (row < 0 || row >= static_cast<int>(rows.size()))
         return;

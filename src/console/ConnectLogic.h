@@ -26,7 +26,9 @@ public:
     void Form_Load();
     void ViewAll_Click();
     // Also what a keyboard move of the selection does, as with a list box.
-    void ListeSorvane_Click();
+    // `row` is the line the operator took, as the list showed it then; -1
+    // reads the list's current line.
+    void ListeSorvane_Click(int row = -1);
     void ExitEtalonnage_Click();
 
     // The one-second wait after each probe of the first pass (tests only).

@@ -30,10 +30,10 @@ void MainScreenLogic::Ecrire_Click() {
         const auto langues = view_.rows(kListeLangues);
         const QString premiere = langues.empty() ? QString() : langues.front().text;
         const std::int16_t etatDefaut = Donne_EtatDefautSortie(config_, premiere, 0);
-        const EnvoiResultat envoi = Envoi_Conditions(
-            device_, conditions_, etatDefaut,
-            message(QStringLiteral("Les anciennes valeurs seront écrasées")), madate(), now(),
-            [this](const QString& key) { return message(key); });
+        const EnvoiResultat envoi =
+            Envoi_Conditions(device_, conditions_, etatDefaut,
+                             message(QStringLiteral("Les anciennes valeurs seront écrasées")),
+                             madate(), now(), [this](const QString& key) { return message(key); });
         if (envoi.cancelled)
             view_.setEnabled(QStringLiteral("Ecrire"), true);
         if (!envoi.resultat || state.TimeOut)

@@ -1,7 +1,7 @@
 #include "AboutWindow.h"
 
-#include "Brand.h"
 #include "ui_frmAbout.h"
+#include "view/widgets/Brand.h"
 
 #include <QMessageBox>
 #include <QProcess>

@@ -153,7 +153,14 @@ void ConnectWindow::ViewAll_Click() {
 }
 
 void ConnectWindow::ListeSorvane_Click() {
-    run(&ConnectLogic::ListeSorvane_Click);
+    // The line taken is the one the operator sees now: a refresh still
+    // under way may select another before the job runs.
+    const int row = ui_->ListeSorvane->currentRow();
+    if (!worker_) {
+        session_->logic->ListeSorvane_Click(row);
+        return;
+    }
+    worker_->post([session = session_, row] { session->logic->ListeSorvane_Click(row); });
 }
 
 void ConnectWindow::ExitEtalonnage_Click() {

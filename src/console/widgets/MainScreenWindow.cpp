@@ -1,7 +1,6 @@
 #include "MainScreenWindow.h"
 
 #include "AboutWindow.h"
-#include "Brand.h"
 #include "ConnectWindow.h"
 #include "SplashWindow.h"
 #include "device/Device.h"
@@ -10,6 +9,7 @@
 #include "link/Dialogs.h"
 #include "ui_MainScreen.h"
 #include "view/UiBridge.h"
+#include "view/widgets/Brand.h"
 
 #include <QCloseEvent>
 #include <QFontDatabase>

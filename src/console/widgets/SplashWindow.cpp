@@ -1,7 +1,7 @@
 #include "SplashWindow.h"
 
-#include "Brand.h"
 #include "ui_frmSplash.h"
+#include "view/widgets/Brand.h"
 
 #include <QMouseEvent>
 

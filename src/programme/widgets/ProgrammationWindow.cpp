@@ -2,7 +2,7 @@
 
 #include "ProgrammePrinting.h"
 #include "config/ConfigDocument.h"
-#include "console/widgets/Brand.h"
+#include "view/widgets/Brand.h"
 #include "device/Device.h"
 #include "device/MemoryMap.h"
 #include "link/Dialogs.h"

@@ -1,7 +1,7 @@
 #include "ProductionWindow.h"
 
 #include "config/ConfigDocument.h"
-#include "console/widgets/Brand.h"
+#include "view/widgets/Brand.h"
 #include "console/widgets/MainScreenWindow.h"
 #include "ui_frmProduction.h"
 
