@@ -165,7 +165,8 @@ private:
     void setTimePart(const QString& control, int part, int value);
     void setDatePart(const QString& control, int month, int day);
     QString applicationDirectory() const;
-    template <typename F> void guarded(F&& action);
+    // Runs a handler's body; what the old form died of becomes a box.
+    void guarded(const std::function<void()>& action);
 
     ConsoleView& view_;
     ProgrammationControls& controls_;
