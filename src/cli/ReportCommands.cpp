@@ -2,8 +2,8 @@
 
 #include "firmware/FileDialog.h"
 #include "reports/HeadlessMainScreen.h"
-#include "view/MapConsoleView.h"
 #include "reports/ProductionReport.h"
+#include "view/MapConsoleView.h"
 
 #include <QDir>
 #include <QFileInfo>

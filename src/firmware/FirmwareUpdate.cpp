@@ -5,9 +5,9 @@
 #include "LoaderStarter.h"
 #include "config/ConfigDocument.h"
 #include "config/OperatorText.h"
-#include "view/ConsoleView.h"
 #include "link/Dialogs.h"
 #include "link/PublicState.h"
+#include "view/ConsoleView.h"
 
 #include <QDir>
 #include <exception>

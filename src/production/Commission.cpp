@@ -12,8 +12,8 @@
 #include "programme/ProgrammeDownload.h"
 #include "programme/ProgrammeStore.h"
 #include "reports/HeadlessMainScreen.h"
-#include "view/MapConsoleView.h"
 #include "reports/ProductionReport.h"
+#include "view/MapConsoleView.h"
 
 #include <QDate>
 #include <QDir>

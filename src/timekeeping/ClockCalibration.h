@@ -1,7 +1,7 @@
 #pragma once
 
-#include "view/ConsoleView.h"
 #include "device/Device.h"
+#include "view/ConsoleView.h"
 
 #include <QDateTime>
 #include <QLocale>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "config/ConfigDocument.h"
-#include "view/ConsoleView.h"
 #include "device/Device.h"
+#include "view/ConsoleView.h"
 
 #include <QLocale>
 #include <QString>

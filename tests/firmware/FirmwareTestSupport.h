@@ -1,6 +1,5 @@
 #pragma once
 
-#include "view/MapConsoleView.h"
 #include "RecordingDialogs.h"
 #include "config/ConfigDocument.h"
 #include "firmware/FileDialog.h"
@@ -8,6 +7,7 @@
 #include "firmware/FirmwareUpdate.h"
 #include "firmware/LoaderStarter.h"
 #include "link/PublicState.h"
+#include "view/MapConsoleView.h"
 
 #include <QFile>
 #include <QTemporaryDir>

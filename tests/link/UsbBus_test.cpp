@@ -7,8 +7,8 @@
 #include "device/DeviceSelection.h"
 #include "device/Identity.h"
 #include "link/FrameLink.h"
-#include "linkoption/BusFactory.h"
 #include "link/backends/UsbBus.h"
+#include "linkoption/BusFactory.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>

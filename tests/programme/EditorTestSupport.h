@@ -1,12 +1,12 @@
 #pragma once
 
-#include "view/MapConsoleView.h"
 #include "ProgrammeTestSupport.h"
 #include "RecordingDialogs.h"
 #include "config/ConfigDocument.h"
 #include "programme/Conditions.h"
 #include "programme/ProgrammeEditor.h"
 #include "programme/ProgrammeStore.h"
+#include "view/MapConsoleView.h"
 
 #include <QFile>
 #include <QMap>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "../device/DeviceTestSupport.h"
-#include "view/MapConsoleView.h"
 #include "config/ConfigDocument.h"
+#include "view/MapConsoleView.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -2,12 +2,12 @@
 
 #include "ProgrammePrinting.h"
 #include "config/ConfigDocument.h"
-#include "view/widgets/Brand.h"
 #include "device/Device.h"
 #include "device/MemoryMap.h"
 #include "link/Dialogs.h"
 #include "programme/Conditions.h"
 #include "ui_Programmation.h"
+#include "view/widgets/Brand.h"
 
 #include <QDateTimeEdit>
 #include <QFileDialog>

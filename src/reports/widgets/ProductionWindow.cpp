@@ -1,9 +1,9 @@
 #include "ProductionWindow.h"
 
 #include "config/ConfigDocument.h"
-#include "view/widgets/Brand.h"
 #include "console/widgets/MainScreenWindow.h"
 #include "ui_frmProduction.h"
+#include "view/widgets/Brand.h"
 
 #include <QFileInfo>
 #include <QPointer>

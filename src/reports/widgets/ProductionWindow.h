@@ -1,7 +1,7 @@
 #pragma once
 
-#include "view/widgets/WidgetConsoleView.h"
 #include "reports/ProductionReport.h"
+#include "view/widgets/WidgetConsoleView.h"
 
 #include <QDialog>
 #include <memory>
