@@ -10,7 +10,49 @@ struct UiBridge::Pending {
     int answer = 0;
 };
 
-UiBridge::UiBridge(QObject* uiObject) : ui_(uiObject) {}
+// Lives on the user-interface thread and runs what the bridge has queued.
+// It is woken by name, so that the wake-up itself is all Qt's own.
+class UiBridge::Receiver : public QObject {
+    Q_OBJECT
+public:
+    explicit Receiver(UiBridge& bridge) : bridge_(bridge) {}
+    Q_INVOKABLE void drain() { bridge_.drain(); }
+
+private:
+    UiBridge& bridge_;
+};
+
+UiBridge::UiBridge(QObject* uiObject)
+    : ui_(uiObject), receiver_(std::make_unique<Receiver>(*this)) {
+    if (uiObject)
+        receiver_->moveToThread(uiObject->thread());
+}
+
+UiBridge::~UiBridge() = default;
+
+void UiBridge::enqueue(std::function<void()> work) {
+    {
+        const std::lock_guard hold(mutex_);
+        if (closed_)
+            return;
+        queued_.push_back(std::move(work));
+    }
+    QMetaObject::invokeMethod(receiver_.get(), "drain", Qt::QueuedConnection);
+}
+
+void UiBridge::drain() {
+    for (;;) {
+        std::function<void()> work;
+        {
+            const std::lock_guard hold(mutex_);
+            if (queued_.empty() || closed_)
+                return;
+            work = std::move(queued_.front());
+            queued_.pop_front();
+        }
+        work();
+    }
+}
 
 bool UiBridge::onUiThread() const {
     return ui_ && QThread::currentThread() == ui_->thread();
@@ -25,20 +67,15 @@ void UiBridge::close() {
     {
         const std::lock_guard hold(mutex_);
         closed_ = true;
+        queued_.clear();
     }
     answered_.notify_all();
 }
 
 void UiBridge::post(std::function<void()> work) {
-    if (closed() || !ui_)
+    if (!ui_)
         return;
-    QMetaObject::invokeMethod(
-        ui_.data(),
-        [this, work = std::move(work)] {
-            if (!closed())
-                work();
-        },
-        Qt::QueuedConnection);
+    enqueue(std::move(work));
 }
 
 int UiBridge::await(const std::function<void(std::function<void(int)>)>& start, int fallback) {
@@ -67,13 +104,7 @@ int UiBridge::await(const std::function<void(std::function<void(int)>)>& start, 
         // `start` belongs to the waiting caller. It runs only while the
         // caller still waits: closing happens on the user-interface thread,
         // so it cannot come between the check below and the call.
-        QMetaObject::invokeMethod(
-            ui_.data(),
-            [this, &start, answer] {
-                if (!closed())
-                    start(answer);
-            },
-            Qt::QueuedConnection);
+        enqueue([&start, answer] { start(answer); });
     }
     std::unique_lock hold(mutex_);
     answered_.wait(hold, [&] { return pending->answered || closed_; });
@@ -97,3 +128,5 @@ bool UiBridge::call(const std::function<void()>& work) {
 }
 
 } // namespace qv
+
+#include "UiBridge.moc"

@@ -3,7 +3,9 @@
 #include <QObject>
 #include <QPointer>
 #include <condition_variable>
+#include <deque>
 #include <functional>
+#include <memory>
 #include <mutex>
 
 namespace qv {
@@ -21,6 +23,7 @@ class UiBridge {
 public:
     // `uiObject` lives on the user-interface thread; calls are queued to it.
     explicit UiBridge(QObject* uiObject);
+    ~UiBridge();
     UiBridge(const UiBridge&) = delete;
     UiBridge& operator=(const UiBridge&) = delete;
 
@@ -47,10 +50,19 @@ public:
 
 private:
     struct Pending;
+    class Receiver;
+
+    // Queues `work` and wakes the user-interface thread. The work itself
+    // passes through this bridge's own lock, not through Qt's event queue,
+    // so that what one thread hands the other is plainly ordered.
+    void enqueue(std::function<void()> work);
+    void drain();
 
     QPointer<QObject> ui_;
+    std::unique_ptr<Receiver> receiver_;
     mutable std::mutex mutex_;
     std::condition_variable answered_;
+    std::deque<std::function<void()>> queued_;
     bool closed_ = false;
 };
 
