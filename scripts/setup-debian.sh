@@ -10,6 +10,10 @@ packages=(
     umockdev libumockdev-dev
     libxml2-utils xvfb xauth poppler-utils
 )
+# What the Debian package needs to be made and checked (scripts/package.sh).
+if [[ "${QUORVEL_SETUP_PACKAGING:-0}" == 1 ]]; then
+    packages+=(dpkg-dev file help2man librsvg2-bin lintian appstream desktop-file-utils)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

@@ -20,7 +20,8 @@ constexpr int kExitUsage = 2;
 
 void printUsage(std::FILE* out) {
     std::fprintf(out,
-                 "usage: quorvel-sim --dir FOLDER [--KEY VALUE]...\n\n"
+                 "usage: quorvel-sim --dir FOLDER [--KEY VALUE]...\n"
+                 "       quorvel-sim --version\n\n"
                  "Starts simulated controllers, each behind a pseudo-terminal published as\n"
                  "FOLDER/quorvel-0, FOLDER/quorvel-1, ...; prints those paths, one a line, and\n"
                  "serves them until SIGINT or SIGTERM. Reach them with\n"
@@ -35,6 +36,7 @@ struct Command {
     QString folder;
     QStringList simItems; // "key=value"
     bool help = false;
+    bool version = false;
     QString error;
 };
 
@@ -44,6 +46,10 @@ Command parse(const QStringList& args) {
         const QString& word = args[i];
         if (word == QLatin1String("--help") || word == QLatin1String("-h")) {
             c.help = true;
+            continue;
+        }
+        if (word == QLatin1String("--version")) {
+            c.version = true;
             continue;
         }
         if (!word.startsWith(QLatin1String("--")) || word.size() < 3) {
@@ -70,7 +76,7 @@ Command parse(const QStringList& args) {
             c.simItems << key + QLatin1Char('=') + value;
         }
     }
-    if (!c.help && c.folder.isEmpty())
+    if (!c.help && !c.version && c.folder.isEmpty())
         c.error = QStringLiteral("--dir FOLDER is required");
     return c;
 }
@@ -84,6 +90,10 @@ int main(int argc, char** argv) {
     const Command command = parse(args);
     if (command.help) {
         printUsage(stdout);
+        return kExitOk;
+    }
+    if (command.version) {
+        std::printf("quorvel-sim %s\n", QUORVEL_VERSION);
         return kExitOk;
     }
     if (!command.error.isEmpty()) {

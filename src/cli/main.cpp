@@ -20,7 +20,8 @@ namespace {
 
 void printUsage(std::FILE* out) {
     std::fputs("usage: quorvelctl [--app-dir DIR] [--link LINK] [--device ID|ID,ID,...|all]\n"
-               "                  [--json] [--yes] [--trace FILE] COMMAND [ARGS] [--help]\n\n"
+               "                  [--json] [--yes] [--trace FILE] COMMAND [ARGS] [--help]\n"
+               "       quorvelctl --version\n\n"
                "LINK is usb (the default), tty:PATTERN for controllers seen as serial ports\n"
                "(tty:/dev/ttyACM*), or sim[:key=value,...] for simulated controllers, for\n"
                "example sim:devices=2,state=/tmp/sim.json (see README).\n"
@@ -72,6 +73,7 @@ struct GlobalOptions {
     bool json = false;
     bool yes = false;
     bool help = false;
+    bool version = false;
     QStringList rest; // the command and its arguments
 };
 
@@ -85,6 +87,7 @@ GlobalOptions takeGlobalOptions(const QStringList& words) {
     o.json = globals.takeFlag(QStringLiteral("json"));
     o.yes = globals.takeFlag(QStringLiteral("yes"));
     o.help = globals.takeFlag(QStringLiteral("help")) || globals.takeFlag(QStringLiteral("h"));
+    o.version = globals.takeFlag(QStringLiteral("version"));
     o.rest = globals.remaining();
     return o;
 }
@@ -110,6 +113,10 @@ int run(QStringList words) {
     const bool yes = globals.yes;
     const bool help = globals.help;
 
+    if (globals.version) {
+        std::printf("quorvelctl %s\n", QUORVEL_VERSION);
+        return kExitOk;
+    }
     QStringList rest = globals.rest;
     if (rest.isEmpty()) {
         printUsage(help ? stdout : stderr);

@@ -111,9 +111,15 @@ std::optional<std::vector<UsbIdEntry>> loadUsbIds(const QString& optionPath, QSt
         path = qEnvironmentVariable("QUORVEL_USB_IDS");
     if (path.isEmpty()) {
         QStringList candidates;
-        if (QCoreApplication::instance())
-            candidates << QDir(QCoreApplication::applicationDirPath())
-                              .filePath(QStringLiteral("usb-ids.conf"));
+        // Beside the program (the build tree, a portable copy), then the
+        // installed copy relative to it, so that an unpacked package finds
+        // its own table wherever it was unpacked.
+        if (QCoreApplication::instance()) {
+            const QDir programDir(QCoreApplication::applicationDirPath());
+            candidates << programDir.filePath(QStringLiteral("usb-ids.conf"))
+                       << QDir::cleanPath(
+                              programDir.filePath(QStringLiteral("../share/quorvel/usb-ids.conf")));
+        }
 #ifdef QUORVEL_INSTALLED_USB_IDS
         candidates << QStringLiteral(QUORVEL_INSTALLED_USB_IDS);
 #endif
