@@ -1,160 +1,31 @@
 #include "SimulatedBus.h"
 
 #include "SimState.h"
+#include "SimulatedBusCore.h"
 
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <chrono>
 #include <mutex>
-#include <random>
-#include <thread>
 
 namespace qv {
 
-namespace {
-
-void setError(QString* error, const QString& text) {
-    if (error)
-        *error = text;
-}
-
-bool writeState(const QString& path, const QByteArray& document, QString* error) {
+bool writeSimState(const QString& path, const QByteArray& document, QString* error) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
-        setError(error, QStringLiteral("cannot write the simulator state %1: %2")
-                            .arg(path, file.errorString()));
+        setSimError(error, QStringLiteral("cannot write the simulator state %1: %2")
+                               .arg(path, file.errorString()));
         return false;
     }
     file.write(document);
     if (!file.commit()) {
-        setError(error, QStringLiteral("cannot write the simulator state %1: %2")
-                            .arg(path, file.errorString()));
+        setSimError(error, QStringLiteral("cannot write the simulator state %1: %2")
+                               .arg(path, file.errorString()));
         return false;
     }
     return true;
 }
-
-} // namespace
-
-struct SimulatedBus::Core {
-    // One controller with what the bus adds around it: the faults in force,
-    // the reply waiting to be read, and a count of unpluggings that makes old
-    // handles stale.
-    struct Slot {
-        explicit Slot(SimDevice d) : device(std::move(d)) {}
-        SimDevice device;
-        std::optional<QByteArray> pending;
-        int generation = 0;
-        int dropNext = 0;
-        double dropRate = 0;
-        std::mt19937 rng{1};
-        int corruptNext = 0;
-        int shortNext = 0;
-        int shortLength = 3;
-        int repliesBeforeLate = 0; // counts down to the late reply
-        std::optional<QByteArray> late;
-        int lateArrivals = 0;
-        // Requests still answered before the device is pulled out; -1 never.
-        int unplugAfter = -1;
-        QStringList trace;
-    };
-
-    mutable std::mutex mutex;
-    std::vector<Slot> slots;
-    // Handles remember the generation they were opened in; a device that is
-    // unplugged, or replaced by a load, gets a new one.
-    int generations = 0;
-    std::function<qint64()> clock = [] { return QDateTime::currentMSecsSinceEpoch(); };
-    std::function<void(int)> sleep = [](int ms) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-    };
-    int readWaitMs = 0;
-    int lateDelayMs = 400;
-    int restartSilenceMs = SimDevice::kDefaultRestartSilenceMs;
-    qint64 startMs = 0;
-    QStringList trace;
-    std::unique_ptr<QFile> traceFile;
-    QString autosavePath;
-    QString autosaveError;
-
-    Slot* find(std::int32_t id) {
-        for (Slot& slot : slots)
-            if (slot.device.uniqueId() == id)
-                return &slot;
-        return nullptr;
-    }
-
-    void addSlot(SimDevice device) {
-        slots.emplace_back(std::move(device));
-        slots.back().generation = ++generations;
-    }
-
-    std::int32_t nextFreeId() {
-        for (std::int32_t id = kFirstId;; ++id)
-            if (!find(id))
-                return id;
-    }
-
-    void record(Slot& slot, char direction, const QByteArray& bytes) {
-        const double seconds = static_cast<double>(clock() - startMs) / 1000.0;
-        QString line = QString::number(seconds, 'f', 3) + QLatin1Char(' ') + QLatin1Char(direction);
-        if (!bytes.isEmpty())
-            line += QLatin1Char(' ') + QString::fromLatin1(bytes.toHex(' ').toUpper());
-        trace.append(line);
-        slot.trace.append(line);
-        if (traceFile) {
-            traceFile->write((line + QLatin1Char('\n')).toUtf8());
-            traceFile->flush();
-        }
-    }
-
-    QByteArray stateDocument() const {
-        std::vector<const SimDevice*> devices;
-        for (const Slot& slot : slots)
-            devices.push_back(&slot.device);
-        return devicesToState(devices);
-    }
-
-    void autosave() {
-        if (autosavePath.isEmpty())
-            return;
-        QString error;
-        if (!writeState(autosavePath, stateDocument(), &error))
-            autosaveError = error;
-    }
-
-    // The faults stand between the firmware and the wire, in this order: a
-    // lost reply is lost whole; a kept one may then be damaged or cut.
-    void deliver(Slot& slot, QByteArray reply) {
-        if (slot.dropNext > 0) {
-            --slot.dropNext;
-            return;
-        }
-        if (slot.dropRate > 0) {
-            const double draw = static_cast<double>(slot.rng() >> 8) / 16777216.0;
-            if (draw < slot.dropRate)
-                return;
-        }
-        if (slot.corruptNext > 0) {
-            --slot.corruptNext;
-            const int n = static_cast<int>(reply.size());
-            for (int i = std::max(0, n - 2); i < n; ++i)
-                reply[i] = static_cast<char>(reply.at(i) ^ 0xFF);
-        }
-        if (slot.shortNext > 0) {
-            --slot.shortNext;
-            reply.truncate(slot.shortLength);
-        }
-        if (reply.isEmpty())
-            return;
-        if (slot.repliesBeforeLate > 0 && --slot.repliesBeforeLate == 0)
-            slot.late = reply;
-        else
-            slot.pending = reply;
-    }
-};
 
 namespace {
 
@@ -342,10 +213,10 @@ std::int32_t SimulatedBus::addDevice(const SimDeviceConfig& config, QString* err
     if (actual.uniqueId == 0) {
         actual.uniqueId = core_->nextFreeId();
     } else if (actual.uniqueId == 254 || actual.uniqueId == 255) {
-        setError(error, QStringLiteral("device id %1 is reserved").arg(actual.uniqueId));
+        setSimError(error, QStringLiteral("device id %1 is reserved").arg(actual.uniqueId));
         return 0;
     } else if (core_->find(actual.uniqueId)) {
-        setError(error, QStringLiteral("device id %1 is taken").arg(actual.uniqueId));
+        setSimError(error, QStringLiteral("device id %1 is taken").arg(actual.uniqueId));
         return 0;
     }
     SimDevice device(actual);
@@ -385,98 +256,6 @@ bool SimulatedBus::modify(std::int32_t uniqueId, const std::function<void(SimDev
     return true;
 }
 
-bool SimulatedBus::dropReplies(std::int32_t uniqueId, int count) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot)
-        slot->dropNext = std::max(0, count);
-    return slot != nullptr;
-}
-
-bool SimulatedBus::setDropRate(std::int32_t uniqueId, double probability, std::uint32_t seed) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot) {
-        slot->dropRate = std::clamp(probability, 0.0, 1.0);
-        slot->rng.seed(seed);
-    }
-    return slot != nullptr;
-}
-
-bool SimulatedBus::corruptReplies(std::int32_t uniqueId, int count) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot)
-        slot->corruptNext = std::max(0, count);
-    return slot != nullptr;
-}
-
-bool SimulatedBus::shortenReplies(std::int32_t uniqueId, int count, int length) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot) {
-        slot->shortNext = std::max(0, count);
-        slot->shortLength = std::max(0, length);
-    }
-    return slot != nullptr;
-}
-
-bool SimulatedBus::delayReply(std::int32_t uniqueId, int nth) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot)
-        slot->repliesBeforeLate = std::max(0, nth);
-    return slot != nullptr;
-}
-
-bool SimulatedBus::takeLateArrival(std::int32_t uniqueId) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (!slot || slot->lateArrivals == 0)
-        return false;
-    --slot->lateArrivals;
-    return true;
-}
-
-void SimulatedBus::setLateDelay(int milliseconds) {
-    std::lock_guard lock(core_->mutex);
-    core_->lateDelayMs = std::max(0, milliseconds);
-}
-
-int SimulatedBus::lateDelay() const {
-    std::lock_guard lock(core_->mutex);
-    return core_->lateDelayMs;
-}
-
-bool SimulatedBus::unplugAfter(std::int32_t uniqueId, int requests) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot)
-        slot->unplugAfter = std::max(-1, requests);
-    return slot != nullptr;
-}
-
-bool SimulatedBus::unplug(std::int32_t uniqueId) {
-    return modify(uniqueId, [](SimDevice& device) { device.setPlugged(false); });
-}
-
-bool SimulatedBus::replug(std::int32_t uniqueId) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (!slot)
-        return false;
-    if (!slot->device.plugged()) {
-        slot->device.setPlugged(true);
-        slot->pending.reset();
-        core_->autosave();
-    }
-    return true;
-}
-
-bool SimulatedBus::restartFromBootloader(std::int32_t uniqueId) {
-    return modify(uniqueId, [](SimDevice& device) { device.restartFromBootloader(); });
-}
-
 void SimulatedBus::setClock(std::function<qint64()> msSinceEpoch) {
     std::lock_guard lock(core_->mutex);
     core_->clock = std::move(msSinceEpoch);
@@ -513,7 +292,7 @@ bool SimulatedBus::setTraceFile(const QString& path, QString* error) {
     }
     auto file = std::make_unique<QFile>(path);
     if (!file->open(QIODevice::WriteOnly | QIODevice::Append)) {
-        setError(
+        setSimError(
             error,
             QStringLiteral("cannot open the trace file %1: %2").arg(path, file->errorString()));
         return false;
@@ -543,13 +322,13 @@ void SimulatedBus::clearTrace() {
 
 bool SimulatedBus::save(const QString& path, QString* error) const {
     std::lock_guard lock(core_->mutex);
-    return writeState(path, core_->stateDocument(), error);
+    return writeSimState(path, core_->stateDocument(), error);
 }
 
 bool SimulatedBus::load(const QString& path, QString* error) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        setError(
+        setSimError(
             error,
             QStringLiteral("cannot read the simulator state %1: %2").arg(path, file.errorString()));
         return false;
@@ -559,7 +338,7 @@ bool SimulatedBus::load(const QString& path, QString* error) {
     QString problem;
     auto devices = devicesFromState(document, &problem);
     if (!devices) {
-        setError(error, QStringLiteral("simulator state %1: %2").arg(path, problem));
+        setSimError(error, QStringLiteral("simulator state %1: %2").arg(path, problem));
         return false;
     }
     std::lock_guard lock(core_->mutex);

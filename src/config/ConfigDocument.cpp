@@ -1,106 +1,19 @@
 #include "config/ConfigDocument.h"
 
+#include "config/ConfigDocumentCache.h"
 #include "config/LegacyNumber.h"
-#include "config/XmlGuard.h"
-#include "config/XmlWriter.h"
 #include "link/Bytes.h"
 
-#include <QDateTime>
 #include <QDomNamedNodeMap>
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <mutex>
-#include <unistd.h>
 #include <utility>
 
 namespace qv {
 
-// What was last read from or written to one file. A kept document is trusted
-// only while the file shows the same time stamps and size as when its bytes
-// were last compared, and only once those time stamps lie well before that
-// comparison: a file written twice within the resolution of its clock keeps
-// one time stamp, so a recent one proves nothing and the bytes are compared
-// again.
-struct ConfigDocument::CacheEntry {
-    // The messages of one language by upper-cased key, first one of a key
-    // only: what the walk of LitMessage would find.
-    struct Language {
-        QDomElement element;
-        QHash<QString, QDomElement> messages;
-    };
-
-    QString path;
-    QByteArray bytes;
-    std::optional<QDomDocument> document;              // parsed from `bytes` on demand
-    QHash<QString, std::optional<Language>> languages; // by upper-cased name
-    qint64 size = -1;
-    QDateTime modified;
-    QDateTime changed;
-    qint64 comparedAt = 0; // ms since the epoch, taken before the reading
-    quint64 lastUse = 0;
-
-    // The bytes were replaced: what was derived from the old ones goes.
-    void setBytes(const QByteArray& newBytes) {
-        bytes = newBytes;
-        document.reset();
-        languages.clear();
-    }
-};
-
-struct ConfigDocument::Cache {
-    using Entry = CacheEntry;
-
-    // Held by every public operation: the device thread and the windows
-    // share one document.
-    std::recursive_mutex mutex;
-
-    static constexpr std::size_t capacity = 4;
-    static constexpr qint64 clockSlackMs = 2000;
-
-    std::vector<std::unique_ptr<Entry>> entries;
-    quint64 uses = 0;
-
-    Entry* find(const QString& path) {
-        for (auto& e : entries) {
-            if (e->path == path) {
-                e->lastUse = ++uses;
-                return e.get();
-            }
-        }
-        return nullptr;
-    }
-
-    Entry& insert(const QString& path) {
-        if (Entry* e = find(path))
-            return *e;
-        if (entries.size() >= capacity) {
-            auto oldest = std::min_element(entries.begin(), entries.end(), [](auto& a, auto& b) {
-                return a->lastUse < b->lastUse;
-            });
-            entries.erase(oldest);
-        }
-        entries.push_back(std::make_unique<Entry>());
-        entries.back()->path = path;
-        entries.back()->lastUse = ++uses;
-        return *entries.back();
-    }
-
-    void remove(const QString& path) {
-        std::erase_if(entries, [&](auto& e) { return e->path == path; });
-    }
-};
-
 namespace {
-
-QString keyOf(const QString& path) {
-    return QFileInfo(path).absoluteFilePath();
-}
 
 // The legacy trim: blanks only, tabs and line breaks stay.
 QString trimBlanks(const QString& s) {
@@ -202,135 +115,6 @@ ConfigDocument::ConfigDocument(QString configPath)
 
 QString ConfigDocument::resolve(const QString& fichier) const {
     return fichier.isEmpty() ? configPath_ : fichier;
-}
-
-ConfigDocument::CacheEntry& ConfigDocument::entry(const QString& path) const {
-    const QString key = keyOf(path);
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    const QFileInfo info(key);
-    if (!info.exists()) {
-        cache_->remove(key);
-        throw ConfigError(
-            QStringLiteral("Cannot open the configuration file \"%1\": no such file").arg(key));
-    }
-
-    Cache::Entry* entry = cache_->find(key);
-    const bool sameStamps = entry && entry->size == info.size() &&
-                            entry->modified == info.lastModified() &&
-                            entry->changed == info.metadataChangeTime();
-    const bool settled =
-        sameStamps &&
-        entry->modified.toMSecsSinceEpoch() < entry->comparedAt - Cache::clockSlackMs &&
-        entry->changed.toMSecsSinceEpoch() < entry->comparedAt - Cache::clockSlackMs;
-
-    if (!settled) {
-        QFile file(key);
-        if (!file.open(QIODevice::ReadOnly)) {
-            cache_->remove(key);
-            throw ConfigError(QStringLiteral("Cannot open the configuration file \"%1\": %2")
-                                  .arg(key, file.errorString()));
-        }
-        const QByteArray bytes = file.readAll();
-        if (file.error() != QFileDevice::NoError) {
-            cache_->remove(key);
-            throw ConfigError(QStringLiteral("Cannot read the configuration file \"%1\": %2")
-                                  .arg(key, file.errorString()));
-        }
-        if (!entry || entry->bytes != bytes) {
-            entry = &cache_->insert(key);
-            entry->setBytes(bytes);
-        }
-        entry->size = info.size();
-        entry->modified = info.lastModified();
-        entry->changed = info.metadataChangeTime();
-        entry->comparedAt = now;
-    }
-
-    if (!entry->document) {
-        if (const auto refusal = checkDocument(entry->bytes)) {
-            cache_->remove(key);
-            throw ConfigError(QStringLiteral("The configuration file \"%1\" is refused: %2 "
-                                             "(line %3, column %4)")
-                                  .arg(key, refusal->reason)
-                                  .arg(refusal->line)
-                                  .arg(refusal->column));
-        }
-        QDomDocument document;
-        QString message;
-        int line = 0;
-        int column = 0;
-        if (!document.setContent(entry->bytes, &message, &line, &column)) {
-            cache_->remove(key);
-            throw ConfigError(QStringLiteral("The configuration file \"%1\" is not well-formed "
-                                             "XML: %2 (line %3, column %4)")
-                                  .arg(key, message)
-                                  .arg(line)
-                                  .arg(column));
-        }
-        if (document.documentElement().isNull()) {
-            cache_->remove(key);
-            throw ConfigError(
-                QStringLiteral("The configuration file \"%1\" has no root element").arg(key));
-        }
-        entry->document = document;
-    }
-    return *entry;
-}
-
-QDomDocument ConfigDocument::current(const QString& path) const {
-    return *entry(path).document;
-}
-
-void ConfigDocument::store(const QDomDocument& document, const QString& path) const {
-    const QString key = keyOf(path);
-    QString error;
-    const auto bytes = writeXmlDocument(document, &error);
-    if (!bytes) {
-        forget(key);
-        throw ConfigError(
-            QStringLiteral("Cannot save the configuration file \"%1\": %2").arg(key, error));
-    }
-
-    // Written beside the file and renamed over it once complete and on the
-    // disk: a full disk or a crash leaves the previous file as it was. The
-    // writes are unbuffered and the sync is checked here, because a short
-    // write in a buffer flush, or a failing sync, would otherwise go
-    // unnoticed and the rename would put a truncated file in place.
-    const qint64 before = QDateTime::currentMSecsSinceEpoch();
-    QSaveFile file(key);
-    QString reason;
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        reason = file.errorString();
-    } else if (file.write(*bytes) != bytes->size()) {
-        reason = file.errorString();
-        if (file.error() == QFileDevice::NoError)
-            reason = QStringLiteral("the file could not be written whole (disk full?)");
-    } else if (::fsync(file.handle()) != 0) {
-        reason = QString::fromLocal8Bit(std::strerror(errno));
-    } else if (!file.commit()) {
-        reason = file.errorString();
-    }
-    if (!reason.isEmpty()) {
-        if (file.isOpen())
-            file.cancelWriting();
-        forget(key);
-        throw ConfigError(
-            QStringLiteral("Cannot save the configuration file \"%1\": %2").arg(key, reason));
-    }
-
-    // The document is parsed again from these bytes when next needed, so that
-    // what is used is exactly what a reload of the file would give.
-    Cache::Entry& entry = cache_->insert(key);
-    const QFileInfo info(key);
-    entry.setBytes(*bytes);
-    entry.size = info.size();
-    entry.modified = info.lastModified();
-    entry.changed = info.metadataChangeTime();
-    entry.comparedAt = before;
-}
-
-void ConfigDocument::forget(const QString& path) const {
-    cache_->remove(keyOf(path));
 }
 
 // "//Configuration/A/B": the root, if named Configuration, then at each step
@@ -467,7 +251,7 @@ std::optional<std::vector<ListRow>> ConfigDocument::RemplitListe(const QString& 
         } catch (const OverflowError&) {
             throw ConfigError(QStringLiteral("The list %1 of language %2 in \"%3\" holds a number "
                                              "out of range in the row \"%4\"")
-                                  .arg(liste, langue, keyOf(configPath_), row.text));
+                                  .arg(liste, langue, configKeyOf(configPath_), row.text));
         }
         const QDomElement extra = childAt(ligne, 3);
         if (!extra.isNull())
@@ -524,11 +308,11 @@ void ConfigDocument::EcritConf(const QString& index, const QVariant& valeur,
     if (conf.isNull()) {
         throw ConfigError(QStringLiteral("The configuration file \"%1\" has no element "
                                          "Configuration/Conf to hold the setting %2")
-                              .arg(keyOf(path), index));
+                              .arg(configKeyOf(path), index));
     }
     if (!isXmlName(index)) {
         throw ConfigError(QStringLiteral("\"%1\" cannot be the name of a setting in \"%2\"")
-                              .arg(index, keyOf(path)));
+                              .arg(index, configKeyOf(path)));
     }
 
     QString text;
