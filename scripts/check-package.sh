@@ -10,6 +10,17 @@ deb=${1:-$(ls "$root"/build-package/quorvel_*.deb)}
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
+echo "== the USB ids of the rule and of the install script"
+# Every controller the tool looks for must be one the rule opens to the user,
+# and one whose vendor the install script asks udev to apply it to.
+while read -r ids _; do
+    vendor=${ids%%:*} product=${ids##*:}
+    grep -q "ATTR{idVendor}==\"$vendor\", ATTR{idProduct}==\"$product\"" "$root/data/60-quorvel.rules" ||
+        { echo "60-quorvel.rules does not open $ids" >&2; exit 1; }
+    grep -q "idVendor=$vendor" "$root/data/packaging/postinst" ||
+        { echo "postinst does not apply the rule to vendor $vendor" >&2; exit 1; }
+done < <(grep -E '^[0-9A-Fa-f]{4}:[0-9A-Fa-f]{4}' "$root/data/usb-ids.conf")
+
 echo "== lintian"
 lintian --fail-on error,warning --display-info "$deb"
 
