@@ -37,19 +37,6 @@ TEST(DeviceClockTest, DatesAreReadInRegionalOrderWithFallback) {
     EXPECT_EQ(parseDeviceDate(21, 11, 26, japan), QDate(2021, 11, 26));
 }
 
-TEST_F(DeviceFixture, SetThenReadTheClock) {
-    const auto id = plug();
-    const QDateTime now = QDateTime::currentDateTime();
-    MAH(device, 0, now.date(), now);
-    EXPECT_FALSE(state.TimeOut);
-    EXPECT_EQ(sim(id).lastTimeOption(), 0);
-    const auto reading = LitDateEtHeure(device, QLocale(QLocale::French, QLocale::France));
-    ASSERT_TRUE(reading.has_value());
-    EXPECT_TRUE(reading->caption.contains(QStringLiteral(" - ")));
-    EXPECT_NEAR(reading->heureDevice.value_or(0), DateEnSecondes(oleDateFromDateTime(now), -1.0),
-                3.0);
-}
-
 TEST(DeviceClockTest, AllZeroReplyShowsZerosAndGivesNoTime) {
     test::ScriptedBus bus;
     test::RecordingDialogs dialogs;

@@ -198,24 +198,6 @@ TEST_F(LinkFixture, ReadAfterTimeOutReadsNothing) {
     EXPECT_EQ(length, 4);
 }
 
-TEST(DefaultDateTimeText, TheLocalesOwnShortDateAndLongTimeWithoutZone) {
-    const QDateTime when(QDate(2026, 11, 23), QTime(19, 4, 40));
-    const struct {
-        QLocale locale;
-        QString text;
-    } cases[] = {
-        {QLocale(QLocale::English, QLocale::UnitedStates), QStringLiteral("11/23/26 7:04:40 PM")},
-        {QLocale(QLocale::French, QLocale::France), QStringLiteral("23/11/2026 19:04:40")},
-        {QLocale(QLocale::German, QLocale::Germany), QStringLiteral("23.11.26 19:04:40")},
-        {QLocale(QLocale::Japanese, QLocale::Japan),
-         QStringLiteral("2026/11/23 19\u664204\u520640\u79d2")},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.locale.name().toStdString());
-        EXPECT_EQ(defaultDateTimeText(when, c.locale), c.text);
-    }
-}
-
 TEST_F(LinkFixture, RawReadCopiesAnyBytesAndKeepsTheCheckFlag) {
     state.CRCError = true;
     link.OuvreUsb(1);

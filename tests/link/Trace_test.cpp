@@ -1,6 +1,5 @@
 // The trace at the link: what the frame link reports of each transfer, the
-// file format (old simulator traces included) and the recorder under
-// several threads.
+// file format and the recorder under several threads.
 #include "RecordingDialogs.h"
 #include "ScriptedBus.h"
 #include "SimulatedBus.h"
@@ -59,29 +58,6 @@ TEST(TraceFormat, EveryKindOfTransferReadsBackAsWritten) {
     EXPECT_EQ(formatTraceLine(cases[1]),
               QStringLiteral("12.367012 < FE 07 41 D0 #1 @1509949441 answered"));
     EXPECT_EQ(formatTraceLine(cases[2]), QStringLiteral("12.637950 < #2 @1509949441 silence"));
-}
-
-TEST(TraceFormat, TheSimulatorsLinesStillReadAndOtherTextIsSkipped) {
-    const TraceFileContents contents =
-        parseTraceText(QStringLiteral("earlier run\n"
-                                      "1.234 > FE 10 00 00 00 00 00 00 00 00 00 00 00 00 6A AF\n"
-                                      "\n"
-                                      "1.244 < FE 00 41 D0\n"
-                                      "1.250 ? FE\n"
-                                      "x.yz > FE\n"
-                                      "2.000 < FE 00 41 D0 #2 @7 answered someday-more-words\n"));
-    ASSERT_EQ(contents.records.size(), 3u);
-    EXPECT_EQ(contents.skippedLines, 3);
-    const TransferRecord& old = contents.records[1];
-    EXPECT_EQ(old.atUs, 1'244'000);
-    EXPECT_EQ(old.direction, D::FromDevice);
-    EXPECT_EQ(old.bytes, QByteArray::fromHex("FE0041D0"));
-    EXPECT_EQ(old.attempt, 0);
-    EXPECT_FALSE(old.deviceKnown);
-    EXPECT_EQ(old.outcome, O::Unknown);
-    EXPECT_EQ(contents.records[2].attempt, 2);
-    EXPECT_EQ(contents.records[2].device, 7);
-    EXPECT_EQ(contents.records[2].outcome, O::Answered);
 }
 
 struct Collector : TraceSink {
@@ -151,41 +127,6 @@ TEST_F(LinkTrace, EachAttemptIsReportedWithItsNumberAndOutcome) {
         for (const TransferRecord& r : seen)
             EXPECT_EQ(r.device, id) << c.name;
     }
-    // A corrupt reply is reported with the bytes that came.
-    sim.corruptReplies(id, 1);
-    seen.clear();
-    device.LitEEprom(40);
-    ASSERT_GE(seen.size(), 2u);
-    EXPECT_EQ(seen[1].bytes.size(), 4);
-    EXPECT_EQ(seen[1].outcome, O::BadCheck);
-}
-
-TEST_F(LinkTrace, TheLegacyProbeIsRawAndARefusedWriteIsSaid) {
-    bool recognised = false;
-    LitVersionAvantV270(link, id, recognised);
-    EXPECT_EQ(steps(), (QStringList{"> #1 sent raw", "< #1 silence raw"}));
-    EXPECT_EQ(seen[0].bytes.size(), 12);
-
-    ScriptedBus scripted;
-    scripted.writeFails = true;
-    seen.clear();
-    TracingBus refusing(scripted, collector);
-    FrameLink other(refusing, dialogs, state);
-    other.setPause([](int) {});
-    Device d(other, [] { return QString(); });
-    d.LitEEprom(1);
-    EXPECT_EQ(steps().first(), QStringLiteral("> #1 refused"));
-}
-
-TEST_F(LinkTrace, ABusThatWrapsAnotherPassesItsTraceOn) {
-    ReleasableBus releasable(bus);
-    EXPECT_EQ(releasable.traceSink(), &collector);
-    FrameLink throughIt(releasable, dialogs, state);
-    throughIt.setPause([](int) {});
-    Device d(throughIt, [] { return QString(); });
-    d.LitEEprom(16);
-    EXPECT_EQ(steps(), (QStringList{"> #1 sent", "< #1 answered"}));
-    EXPECT_EQ(sim.traceLines().size(), 2); // the controller saw no more than that
 }
 
 TEST(TraceHub, ManyThreadsRecordWholeLinesInTheirOwnOrder) {
@@ -225,13 +166,6 @@ TEST(TraceHub, ManyThreadsRecordWholeLinesInTheirOwnOrder) {
         ASSERT_EQ(r.bytes, QByteArray(16, static_cast<char>(next[r.device] & 0xFF)));
         ++next[r.device];
     }
-}
-
-TEST(TraceHub, AFileThatCannotBeOpenedIsNamed) {
-    TraceHub hub;
-    QString error;
-    EXPECT_FALSE(hub.openFile(QStringLiteral("/nonexistent-dir/x.trace"), &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("/nonexistent-dir/x.trace")));
 }
 
 } // namespace

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "RecordingDialogs.h"
 #include "SimulatedBus.h"
 #include "link/Crc.h"
-#include "link/FrameLink.h"
-#include "link/PublicState.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -80,29 +77,6 @@ protected:
 
     qint64 nowMs = 0;
     SimulatedBus bus;
-};
-
-// The same, with the product's frame link on top of the bus.
-class SimLinkFixture : public SimFixture {
-protected:
-    void SetUp() override {
-        SimFixture::SetUp();
-        link.setPause([](int) {});
-    }
-
-    // EchangeUsb with reply length n; the reply, or nullopt on failure.
-    std::optional<Bytes> exchange(std::int32_t id, const Bytes& request, int n) {
-        Bytes reply;
-        std::int16_t length = static_cast<std::int16_t>(n);
-        if (!link.EchangeUsb(id, request, 16, reply, length, QStringLiteral("Absent"), false,
-                             QString()))
-            return std::nullopt;
-        return reply;
-    }
-
-    RecordingDialogs dialogs;
-    PublicState state;
-    FrameLink link{bus, dialogs, state};
 };
 
 } // namespace qv::test
