@@ -105,12 +105,6 @@ TEST_F(FrameWords, EveryCommandDecodesToItsWords) {
         {"identity",
          [](Device& d) { LitVersionPrincipale(d); },
          {"identity -> Quorvel (12) 2.70 BL V 103, battery 9.0 V"}},
-        {"legacy probe on current firmware",
-         [this](Device&) {
-             bool recognised = false;
-             LitVersionAvantV270(link, id, recognised);
-         },
-         {"legacy probe -> (silence)"}},
         {"read clock", [](Device& d) { LitDateEtHeure(d); }, {"read clock -> 23/11/26 19:03:08"}},
         {"serial number",
          [](Device& d) { d.LitEEpromlong(Address::SerialNumber); },

@@ -18,14 +18,6 @@ protected:
         EXPECT_EQ(reply->size(), 10);
     }
 
-    std::vector<int> image(int from, int to) const {
-        std::vector<int> bytes;
-        const auto device = bus.device(id);
-        for (int a = from; a < to; ++a)
-            bytes.push_back(device->eeprom(a));
-        return bytes;
-    }
-
     auto eeprom() const { return bus.device(id)->eepromBytes(); }
 
     std::int32_t id = 0;
@@ -53,32 +45,6 @@ TEST_F(SimProgramme, ImageMayEndJustBeforeTheBootRequestAndNoFurther) {
         EXPECT_FALSE(transfer(id, frame).has_value()) << what;
         EXPECT_EQ(eeprom(), full) << what;
     }
-    EXPECT_EQ(bus.device(id)->eeprom(SimDevice::kBootAddress), 0);
-    EXPECT_FALSE(bus.device(id)->inBootloader());
-}
-
-// 15 lines end at 243: a 13-byte line would overflow, a 10-byte term puts
-// the mark on 253. 13 lines, two terms and a range start leave the mark on
-// 246: the 9-byte range end would put it on 255, the boot request itself.
-TEST_F(SimProgramme, BlocksThatWouldOverflowOrHitTheBootRequestAreRefusedWhole) {
-    send({0x02, 0, 0});
-    for (int line = 0; line < 15; ++line)
-        send({0x03, 3, line, 0, 0, 0, 0, 0, 0, 1, 0});
-    const auto before = eeprom();
-    EXPECT_FALSE(command(id, {0x03, 3, 15, 0, 0, 0, 0, 0, 0, 1, 0}).has_value());
-    EXPECT_EQ(eeprom(), before);
-    send({0x1F, 9, 1, 0, 0, 0});
-    EXPECT_EQ(bus.device(id)->eeprom(253), 255);
-
-    send({0x02, 0, 0});
-    for (int line = 0; line < 13; ++line)
-        send({0x03, 3, line, 0, 0, 0, 0, 0, 0, 1, 1});
-    send({0x1F, 9, 1, 8, 0, 0});
-    send({0x1F, 9, 2, 8, 0, 0});
-    send({0x1F, 9, 11, 6, 0, 0});
-    EXPECT_EQ(bus.device(id)->eeprom(246), 255);
-    EXPECT_FALSE(command(id, {0x1F, 10, 11, 18, 0, 0}).has_value());
-    EXPECT_EQ(bus.device(id)->eeprom(246), 255);
     EXPECT_EQ(bus.device(id)->eeprom(SimDevice::kBootAddress), 0);
     EXPECT_FALSE(bus.device(id)->inBootloader());
 }
