@@ -167,6 +167,17 @@ TEST_F(LinkFixture, UnopenableRefusingOrOutOfRangeFailsBeforeAnythingIsRead) {
     EXPECT_TRUE(bus.readLengths.empty());
 }
 
+// A refused write is tried again at once, within the same attempt.
+TEST_F(LinkFixture, ARefusedWriteIsCalledAgainBeforeTheRead) {
+    bus.writesToRefuse = 2;
+    bus.replies.push_back(ScriptedBus::checked(QByteArray("\xFE\x05", 2)));
+    std::int16_t length = 2;
+    Bytes reply;
+    EXPECT_TRUE(exchange({0xFE, 40}, length, reply));
+    EXPECT_EQ(bus.written.size(), 1u);
+    EXPECT_EQ(length, 4) << "taken at the first attempt";
+}
+
 TEST_F(LinkFixture, ReadAfterTimeOutReadsNothing) {
     // The checked read and the raw one alike: a reply that waits is left
     // alone, and the zeroed result of the asked length comes back.
