@@ -59,20 +59,6 @@ TEST_F(DeviceFixture, ConnectionTextOfEveryCode) {
     EXPECT_EQ(dialogs.boxes().size(), 1u);
 }
 
-TEST_F(DeviceFixture, MainWindowIdentity) {
-    const auto id = plug({.battery = 1023});
-    const MainIdentity identity = LitVersionPrincipale(device);
-    EXPECT_EQ(identity.versionCaption, QStringLiteral("(12) 2.70"));
-    EXPECT_EQ(identity.maintenanceCaption, QStringLiteral("Maintenance (Bootloader V103)"));
-    EXPECT_EQ(identity.batteryRaw, 1023);
-    EXPECT_TRUE(identity.featureMinor14);
-    EXPECT_TRUE(identity.featureMinor20);
-    bus.unplug(id);
-    const MainIdentity dead = LitVersionPrincipale(device);
-    EXPECT_EQ(dead.versionCaption, QStringLiteral("(0) 0.00"));
-    EXPECT_EQ(dead.batteryRaw, 0);
-}
-
 struct SelectionFixture : DeviceFixture {
     int waits = 0;
     DeviceSelection selection{device,

@@ -7,8 +7,6 @@ namespace {
 
 using SimCommands = SimFixture;
 
-const QByteArray kLegacyProbe = QByteArray(1, '\xF0') + QByteArray(11, '\0');
-
 TEST_F(SimCommands, FramesThatAreNotRightGetNoAnswer) {
     const std::int32_t id = add();
     QByteArray badCheck = checkedFrame({0xF0});
@@ -69,47 +67,6 @@ TEST_F(SimCommands, EepromReadsByFullAddressAndWritesAnswerTheStoredValue) {
         EXPECT_EQ(answer(id, {0xFE, address, 0}), value) << address;
     }
     EXPECT_FALSE(bus.device(id)->inBootloader());
-}
-
-TEST_F(SimCommands, ClockStartsAtPcTimeRunsAndDriftsAndIsSet) {
-    const std::int32_t id = add();
-    EXPECT_EQ(clock(id), QByteArray::fromHex("0e031a091e00"));
-    nowMs += 61000;
-    EXPECT_EQ(clock(id), QByteArray::fromHex("0e031a091f01"));
-
-    ASSERT_TRUE(command(id, {0x01, 4, 23, 59, 50, 31, 12, 26, 255}).has_value());
-    EXPECT_EQ(bus.device(id)->lastTimeOption(), 255);
-    EXPECT_EQ(clock(id), QByteArray::fromHex("1f0c1a173b32"));
-    nowMs += 15000; // over the turn of the year: 1 January 2027, 00:00:05
-    EXPECT_EQ(clock(id), QByteArray::fromHex("01011b000005"));
-
-    // An impossible date is acknowledged and leaves the clock.
-    ASSERT_TRUE(command(id, {0x01, 1, 10, 0, 0, 31, 2, 26, 0}).has_value());
-    ASSERT_TRUE(command(id, {0x01, 1, 24, 0, 0, 1, 1, 26, 0}).has_value());
-    EXPECT_EQ(clock(id), QByteArray::fromHex("01011b000005"));
-
-    // 10 % fast: after 100 s the device shows 110 s.
-    ASSERT_TRUE(command(id, {0x01, 1, 12, 0, 0, 1, 6, 26, 0}).has_value());
-    bus.modify(id, [this](SimDevice& d) { d.setClockRate(100000, nowMs); });
-    nowMs += 100000;
-    EXPECT_EQ(clock(id), QByteArray::fromHex("01061a0c0132"));
-}
-
-TEST_F(SimCommands, LegacyProbeIsAnsweredOnlyByOldFirmware) {
-    SimDeviceConfig old = firmware("2.60");
-    old.battery = 0x0321;
-    const std::int32_t oldId = add(old);
-    EXPECT_EQ(transfer(oldId, kLegacyProbe), QByteArray::fromHex("f0020c3c000321"));
-    EXPECT_FALSE(transfer(add(), kLegacyProbe).has_value());
-    QByteArray notTheProbe = kLegacyProbe;
-    notTheProbe[3] = 1;
-    EXPECT_FALSE(transfer(oldId, notTheProbe).has_value());
-    EXPECT_TRUE(command(oldId, {0xF0}).has_value()); // old firmware speaks the checked protocol too
-
-    // Below 2.70, by number: 2.100 is above.
-    for (const auto& [text, answers] : {std::pair{"2.69", true}, {"2.70", false}, {"2.100", false}})
-        EXPECT_EQ(FirmwareVersion::parse(QString::fromLatin1(text))->answersLegacyProbe(), answers)
-            << text;
 }
 
 TEST_F(SimCommands, RestartIsSilentForItsTimeThenAnswers) {
