@@ -59,6 +59,14 @@ TEST_F(DeviceFixture, ConnectionTextOfEveryCode) {
     EXPECT_EQ(dialogs.boxes().size(), 1u);
 }
 
+// The battery is the one value that comes high byte first.
+TEST_F(DeviceFixture, MainWindowIdentity) {
+    plug({.battery = 1023});
+    const MainIdentity identity = LitVersionPrincipale(device);
+    EXPECT_EQ(identity.versionCaption, QStringLiteral("(12) 2.70"));
+    EXPECT_EQ(identity.batteryRaw, 1023);
+}
+
 struct SelectionFixture : DeviceFixture {
     int waits = 0;
     DeviceSelection selection{device,
