@@ -24,11 +24,6 @@ inline QByteArray checkedFrame(std::initializer_list<int> bytes) {
     return frame;
 }
 
-inline bool checkValueHolds(const QByteArray& reply) {
-    return reply.size() >= 3 &&
-           crc16(reinterpret_cast<const std::uint8_t*>(reply.constData()), reply.size()) == 0;
-}
-
 inline int at(const QByteArray& bytes, int index) {
     return static_cast<std::uint8_t>(bytes.at(index));
 }
@@ -39,8 +34,8 @@ inline SimDeviceConfig firmware(const char* version) {
     return config;
 }
 
-// A bus with a hand-driven clock, so that nothing sleeps. The clock starts on
-// a fixed local date so that clock tests can name the expected reading.
+// A bus with a hand-driven clock, so that nothing sleeps and a restart's
+// silence ends when the test says so.
 class SimFixture : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -72,8 +67,6 @@ protected:
         const auto reply = command(id, bytes);
         return reply && reply->size() > 1 ? at(*reply, 1) : -1;
     }
-    // The device's clock as the 0xF1 reply shows it: day, month, year, h, m, s.
-    QByteArray clock(std::int32_t id) { return command(id, {0xF1}).value_or("").mid(1, 6); }
 
     qint64 nowMs = 0;
     SimulatedBus bus;
