@@ -437,6 +437,26 @@ TEST_F(ProgrammeTransfer, TimeTermsAndRangeBlocksSetTheTimeFieldsOnly) {
     }
 }
 
+// Bit 7 of byte 4 makes the copy form: the input from byte 3, 6 when the
+// output's format is not 0. A logic term of input 0 or 2 is scaled from
+// percent to 4-20 mA or 0-10 V.
+TEST_F(ProgrammeTransfer, CopyFormAndScaledLogicTerms) {
+    for (const auto& [format, recopie] : {std::pair{0, 5}, {2, 6}}) {
+        outputFormats = {{3, format}};
+        const Condition read =
+            single(Image{3, 0, 0, 0x85, 0x80, 10, 0, 0xFE, 0xFF, 7, 7, 60, 0} + kEnd);
+        EXPECT_EQ(
+            test::storedFields(read)[1],
+            QStringLiteral("Valeur=10 Temporisation=60 Offset=-2 RecopieEntree=%1").arg(recopie));
+    }
+    for (const auto& [index, valeur1, valeur2] : {std::tuple{0, 12.0, 20.0}, {2, 5.0, 10.0}}) {
+        const Condition read =
+            single(header(1) + Image{index, 4, 50, 0, 100, 0, 9, 9, 9, 9} + kEnd);
+        EXPECT_EQ(read.Valeur1(index), valeur1) << index;
+        EXPECT_EQ(read.Valeur2(index), valeur2) << index;
+    }
+}
+
 // An incomplete read stores nothing in config.xml and reads no address past
 // the memory. A dead device stops the read at once (a word's second byte
 // is the one exception, as LitEEpromMot reads both): 8 exchanges read a plain

@@ -90,7 +90,7 @@ protected:
 };
 
 TEST_F(EditorWindowTest, EditorWindowEditsSavesAndPrintsThroughItsControls) {
-    main.eeprom[24] = 1;
+    main.eeprom[24] = 2; // the device's 2 is Open too
     open();
     EXPECT_EQ(child<QComboBox>("ValeurLogiqueDefaut_0")->currentText(), QStringLiteral("Open"));
 
@@ -183,6 +183,20 @@ TEST_F(EditorWindowTest, EditorWindowKeepsTheOldFormsWays) {
     child<QPushButton>("Ajouter")->click();
     EXPECT_EQ(child<QComboBox>("ListeJours")->currentIndex(), 0);
     EXPECT_EQ(child<QComboBox>("ListeValeurLogique")->currentIndex(), 1);
+    EXPECT_TRUE(dialogs.boxes().empty());
+}
+
+// A cancelled file dialog changes nothing.
+TEST_F(EditorWindowTest, EditorWindowCancelledFileDialogsChangeNothing) {
+    storeProgramme();
+    open();
+    const QByteArray before = readFile(dir.configPath());
+    window->setFileChooser([](const FileDialogRequest&, bool) { return QString(); });
+    child<QPushButton>("LireProg")->click();
+    child<QPushButton>("EnregistrerProg")->click();
+    EXPECT_EQ(child<QLineEdit>("NomFichier")->text(), QStringLiteral("garden.prg"));
+    EXPECT_EQ(child<QListWidget>("ListeConditions")->count(), 3);
+    EXPECT_EQ(readFile(dir.configPath()), before);
     EXPECT_TRUE(dialogs.boxes().empty());
 }
 
