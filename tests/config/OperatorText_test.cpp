@@ -2,11 +2,8 @@
 #include "config/OperatorText.h"
 #include "link/Bytes.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <functional>
 #include <gtest/gtest.h>
-#include <memory>
 
 namespace qv {
 namespace {
@@ -47,12 +44,6 @@ TEST(OperatorText, TranslatedWhereTheFailureCarriesItsKey) {
              throw Translated<OperatorError>(QStringLiteral("The printer could not be started."));
          },
          french, QStringLiteral("The printer could not be started.")},
-        {"a detail that looks like a place stays as it is",
-         [] {
-             throw Translated<ConfigError>(
-                 kUnwritable, {QStringLiteral("/tmp/%2%1.prg"), QStringLiteral("full")});
-         },
-         french, QStringLiteral("Le fichier /tmp/%2%1.prg ne peut pas être écrit : full")},
         {"a number that did not fit", [] { throw OverflowError("value 256 does not fit"); }, french,
          QStringLiteral("Dépassement de capacité")},
         {"anything else as it stands", [] { throw std::runtime_error("plain"); }, french,
@@ -74,23 +65,6 @@ TEST(OperatorText, TranslatedWhereTheFailureCarriesItsKey) {
     } catch (const ConfigError& e) {
         EXPECT_EQ(e.text(), QStringLiteral("The file p cannot be written: r"));
     }
-}
-
-TEST(OperatorText, FromTheShippedDocumentInTheLanguageAskedFor) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("config.xml"));
-    ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), path));
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-    ConfigDocument config(path);
-    const Translated<ConfigError> error(kUnwritable, {QStringLiteral("p"), QStringLiteral("r")});
-    EXPECT_EQ(operatorText(error, config, QStringLiteral("Français")),
-              QStringLiteral("Le fichier p ne peut pas être écrit : r"));
-    EXPECT_EQ(operatorText(error, config, QStringLiteral("English")),
-              QStringLiteral("The file p cannot be written: r"));
-    // A document that cannot be read leaves the English wording.
-    ConfigDocument missing(dir.filePath(QStringLiteral("gone/config.xml")));
-    EXPECT_EQ(operatorText(error, missing, QStringLiteral("Français")),
-              QStringLiteral("The file p cannot be written: r"));
 }
 
 } // namespace

@@ -22,34 +22,6 @@ TEST(DeviceClockTest, FrameFieldsComeFromThePcAndTheWeekDayFromThePicker) {
     EXPECT_DOUBLE_EQ(driftRatio(2000, 1990, 1000), 100);
 }
 
-TEST(DeviceClockTest, DatesAreReadInRegionalOrderWithFallback) {
-    const QLocale french(QLocale::French, QLocale::France);
-    const QLocale us(QLocale::English, QLocale::UnitedStates);
-    EXPECT_EQ(parseDeviceDate(21, 11, 26, french), QDate(2026, 11, 21));
-    // "21/11/26" read month first fails and falls back to day first.
-    EXPECT_EQ(parseDeviceDate(21, 11, 26, us), QDate(2026, 11, 21));
-    EXPECT_EQ(parseDeviceDate(3, 4, 26, us), QDate(2026, 3, 4));
-    EXPECT_EQ(parseDeviceDate(1, 1, 30, french), QDate(1930, 1, 1));
-    EXPECT_EQ(parseDeviceDate(0, 0, 0, french), std::nullopt);
-    // A year-first PC reads the first number as the year.
-    const QLocale japan(QLocale::Japanese, QLocale::Japan);
-    EXPECT_EQ(parseDeviceDate(5, 11, 26, japan), QDate(2005, 11, 26));
-    EXPECT_EQ(parseDeviceDate(21, 11, 26, japan), QDate(2021, 11, 26));
-}
-
-TEST_F(DeviceFixture, SetThenReadTheClock) {
-    const auto id = plug();
-    const QDateTime now = QDateTime::currentDateTime();
-    MAH(device, 0, now.date(), now);
-    EXPECT_FALSE(state.TimeOut);
-    EXPECT_EQ(sim(id).lastTimeOption(), 0);
-    const auto reading = LitDateEtHeure(device, QLocale(QLocale::French, QLocale::France));
-    ASSERT_TRUE(reading.has_value());
-    EXPECT_TRUE(reading->caption.contains(QStringLiteral(" - ")));
-    EXPECT_NEAR(reading->heureDevice.value_or(0), DateEnSecondes(oleDateFromDateTime(now), -1.0),
-                3.0);
-}
-
 TEST(DeviceClockTest, AllZeroReplyShowsZerosAndGivesNoTime) {
     test::ScriptedBus bus;
     test::RecordingDialogs dialogs;

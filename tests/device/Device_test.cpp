@@ -1,5 +1,4 @@
 #include "DeviceTestSupport.h"
-#include "ScriptedBus.h"
 #include "device/MemoryMap.h"
 
 namespace qv {
@@ -74,29 +73,6 @@ TEST_F(DeviceFixture, DeadDeviceGivesZeroAndOneBoxPerByteAndResetShowsNothing) {
     dialogs.clear();
     EXPECT_EQ(device.LitEEpromlong(16), 0);
     EXPECT_EQ(dialogs.boxes().size(), 4u);
-}
-
-TEST(DeviceWordsTest, LogWordsFromTheCacheAndLiveWordsLowThenHigh) {
-    const std::vector<int> logs{0x34, 0x12, 0xFF, 0xFF};
-    EXPECT_EQ(Device::LitLogsMot(logs, 0), 0x1234);
-    EXPECT_EQ(Device::LitLogsMot(logs, 2), -1);
-    EXPECT_EQ(Device::LitLogsMot(logs, 3), 0); // past the end
-
-    test::ScriptedBus bus;
-    test::RecordingDialogs dialogs;
-    PublicState state;
-    FrameLink link(bus, dialogs, state);
-    link.setPause([](int) {});
-    Device device(link, [] { return QStringLiteral("absent"); });
-    for (const auto& [low, high, value] : {std::tuple{0x34, 0x82, -32204}, {0xFF, 0x7F, 32767}}) {
-        bus.written.clear();
-        bus.replies.push_back(test::ScriptedBus::checked(QByteArray("\xFC", 1) + char(low)));
-        bus.replies.push_back(test::ScriptedBus::checked(QByteArray("\xFC", 1) + char(high)));
-        EXPECT_EQ(device.LitValeurMot(6), value);
-        ASSERT_EQ(bus.written.size(), 2u);
-        EXPECT_EQ(bus.written[0][1], 6); // the low byte's address first
-        EXPECT_EQ(bus.written[1][1], 7);
-    }
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 // link checks them, and identity, clock, serial number, memory words and
 // the connection list decode them.
 #include "FuzzSupport.h"
+#include "ScriptedBus.h"
 #include "device/Device.h"
 #include "device/DeviceClock.h"
 #include "device/DeviceSelection.h"
@@ -15,39 +16,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <memory>
+#include <optional>
 
 using namespace qv;
 
 namespace {
 
-class ReplyBus : public Bus {
-public:
-    std::deque<QByteArray> replies;
-
-    int deviceCount() override { return 2; }
-    std::int32_t uniqueId(int index) override { return 7 + index; }
-    std::unique_ptr<BusHandle> open(std::int32_t) override {
-        return std::make_unique<Handle>(*this);
-    }
-
-private:
-    struct Handle : BusHandle {
-        explicit Handle(ReplyBus& bus) : bus_(bus) {}
-        bool write(const QByteArray&) override { return true; }
-        QByteArray read(int maxLength) override {
-            if (bus_.replies.empty())
-                return {};
-            const QByteArray reply = bus_.replies.front();
-            bus_.replies.pop_front();
-            return reply.left(maxLength);
-        }
-        ReplyBus& bus_;
-    };
-};
-
-std::deque<QByteArray> repliesOf(const std::uint8_t* data, std::size_t size) {
-    std::deque<QByteArray> replies;
+std::deque<std::optional<QByteArray>> repliesOf(const std::uint8_t* data, std::size_t size) {
+    std::deque<std::optional<QByteArray>> replies;
     std::size_t i = 0;
     while (i < size) {
         const std::uint8_t header = data[i++];
@@ -55,16 +31,10 @@ std::deque<QByteArray> repliesOf(const std::uint8_t* data, std::size_t size) {
         QByteArray reply(reinterpret_cast<const char*>(data + i), static_cast<qsizetype>(length));
         i += length;
         if (header & 0x80) {
-            replies.emplace_back();
+            replies.push_back(std::nullopt);
             continue;
         }
-        if (header & 0x40) {
-            const auto crc = crc16(reinterpret_cast<const std::uint8_t*>(reply.constData()),
-                                   static_cast<int>(reply.size()));
-            reply.append(static_cast<char>(crc & 0xFF));
-            reply.append(static_cast<char>(crc >> 8));
-        }
-        replies.push_back(reply);
+        replies.push_back(header & 0x40 ? test::ScriptedBus::checked(reply) : reply);
     }
     return replies;
 }
@@ -73,11 +43,12 @@ std::deque<QByteArray> repliesOf(const std::uint8_t* data, std::size_t size) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::initialiseQt();
-    ReplyBus bus;
+    test::ScriptedBus bus;
+    bus.count = 2;
     bus.replies = repliesOf(data, size);
     fuzz::SilentDialogs dialogs;
     PublicState state;
-    state.UsbID = 7;
+    state.UsbID = bus.uniqueId(0);
     FrameLink link(bus, dialogs, state);
     link.setPause([](int) {});
     Device device(link, [] { return QStringLiteral("Quorvel Absent"); });

@@ -167,6 +167,17 @@ TEST_F(LinkFixture, UnopenableRefusingOrOutOfRangeFailsBeforeAnythingIsRead) {
     EXPECT_TRUE(bus.readLengths.empty());
 }
 
+// A refused write is tried again at once, within the same attempt.
+TEST_F(LinkFixture, ARefusedWriteIsCalledAgainBeforeTheRead) {
+    bus.writesToRefuse = 2;
+    bus.replies.push_back(ScriptedBus::checked(QByteArray("\xFE\x05", 2)));
+    std::int16_t length = 2;
+    Bytes reply;
+    EXPECT_TRUE(exchange({0xFE, 40}, length, reply));
+    EXPECT_EQ(bus.written.size(), 1u);
+    EXPECT_EQ(length, 4) << "taken at the first attempt";
+}
+
 TEST_F(LinkFixture, ReadAfterTimeOutReadsNothing) {
     // The checked read and the raw one alike: a reply that waits is left
     // alone, and the zeroed result of the asked length comes back.
@@ -196,24 +207,6 @@ TEST_F(LinkFixture, ReadAfterTimeOutReadsNothing) {
         EXPECT_TRUE(dialogs.boxes().empty());
     }
     EXPECT_EQ(length, 4);
-}
-
-TEST(DefaultDateTimeText, TheLocalesOwnShortDateAndLongTimeWithoutZone) {
-    const QDateTime when(QDate(2026, 11, 23), QTime(19, 4, 40));
-    const struct {
-        QLocale locale;
-        QString text;
-    } cases[] = {
-        {QLocale(QLocale::English, QLocale::UnitedStates), QStringLiteral("11/23/26 7:04:40 PM")},
-        {QLocale(QLocale::French, QLocale::France), QStringLiteral("23/11/2026 19:04:40")},
-        {QLocale(QLocale::German, QLocale::Germany), QStringLiteral("23.11.26 19:04:40")},
-        {QLocale(QLocale::Japanese, QLocale::Japan),
-         QStringLiteral("2026/11/23 19\u664204\u520640\u79d2")},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.locale.name().toStdString());
-        EXPECT_EQ(defaultDateTimeText(when, c.locale), c.text);
-    }
 }
 
 TEST_F(LinkFixture, RawReadCopiesAnyBytesAndKeepsTheCheckFlag) {

@@ -8,10 +8,8 @@
 #include "device/Identity.h"
 #include "link/FrameLink.h"
 #include "link/backends/UsbBus.h"
-#include "linkoption/BusFactory.h"
 
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 #include <QThread>
 #include <cerrno>
 #include <functional>
@@ -64,38 +62,6 @@ protected:
     }
 };
 
-TEST_F(UsbBusTest, ListsRecognisedControllersInPortOrderWithIdsThatSurviveARefresh) {
-    usb.plug(controller(3, QByteArray("Q-1001")));
-    usb.plug(controller(2, std::nullopt));
-    UsbMockBus::Controller other = controller(4, QByteArray("X-9"));
-    other.product = 0x9999;
-    usb.plug(other);
-
-    auto bus = makeBus();
-    ASSERT_EQ(bus->deviceCount(), 2);
-    const std::int32_t first = bus->uniqueId(0);
-    const std::int32_t second = bus->uniqueId(1);
-    EXPECT_EQ(bus->location(first), QStringLiteral("1-2"));
-    EXPECT_EQ(bus->location(second), QStringLiteral("1-3"));
-    EXPECT_EQ(bus->uniqueId(2), 0);
-    for (const std::int32_t id : {first, second})
-        EXPECT_TRUE(id > 0 && id != 254 && id != 255) << id;
-    EXPECT_NE(first, second);
-
-    // Counting again, and counting in a new process, give the same ids.
-    ASSERT_EQ(bus->deviceCount(), 2);
-    EXPECT_EQ(bus->uniqueId(0), first);
-    auto later = makeBus();
-    ASSERT_EQ(later->deviceCount(), 2);
-    EXPECT_EQ(later->uniqueId(1), second);
-
-    // Another table recognises the other device instead.
-    auto otherTable = makeBus({UsbIdEntry{0x1209, 0x9999, 0, 0x02, 0x81}});
-    ASSERT_EQ(otherTable->deviceCount(), 1);
-    EXPECT_EQ(otherTable->location(otherTable->uniqueId(0)), QStringLiteral("1-4"));
-    EXPECT_TRUE(reports.isEmpty()) << reports.join(QLatin1Char('\n')).toStdString();
-}
-
 TEST_F(UsbBusTest, AnIdFollowsTheSerialNumberOrElseThePort) {
     struct Case {
         const char* what;
@@ -125,38 +91,6 @@ TEST_F(UsbBusTest, AnIdFollowsTheSerialNumberOrElseThePort) {
     }
 }
 
-TEST_F(UsbBusTest, HandlesOnOneDeviceShareOneOpenedDeviceAndOneClaim) {
-    const QString path = usb.plug(controller(2, QByteArray("S1")));
-    auto bus = makeBus();
-    ASSERT_EQ(bus->deviceCount(), 1);
-    const std::int32_t id = bus->uniqueId(0);
-
-    auto writer = bus->open(id);
-    auto reader = bus->open(id);
-    ASSERT_TRUE(writer && reader);
-    ASSERT_TRUE(eventually([&] { return usb.counts(path).opens == 1; }));
-    EXPECT_EQ(usb.counts(path).claims, 1);
-
-    // What one handle writes, the other reads: an EEPROM read of address 16.
-    ASSERT_TRUE(writer->write(withCheckValue(QByteArray("\xFE\x10", 2) + QByteArray(12, '\0'))));
-    const QByteArray reply = reader->read(4);
-    ASSERT_EQ(reply.size(), 4);
-    EXPECT_EQ(static_cast<unsigned char>(reply[0]), 0xFE);
-    EXPECT_EQ(usb.counts(path).opens, 1);
-
-    // The interface is given back with the last handle, not before.
-    writer.reset();
-    EXPECT_EQ(usb.counts(path).releases, 0);
-    reader.reset();
-    EXPECT_EQ(usb.counts(path).releases, 1);
-
-    // The next attempt opens and claims anew.
-    auto again = bus->open(id);
-    ASSERT_TRUE(again);
-    EXPECT_TRUE(eventually([&] { return usb.counts(path).opens == 2; }));
-    EXPECT_EQ(usb.counts(path).claims, 2);
-}
-
 class UsbLinkTest : public UsbBusTest {
 protected:
     test::RecordingDialogs dialogs;
@@ -166,39 +100,6 @@ protected:
         return std::make_unique<FrameLink>(bus, dialogs, state);
     }
 };
-
-TEST_F(UsbLinkTest, TheConnectionListAndTheIdentityComeThroughLibusb) {
-    UsbMockBus::Controller c = controller(2, QByteArray("SER-77"));
-    c.firmware.serial = 1234;
-    usb.plug(c);
-    UsbMockBus::Controller old = controller(3, QByteArray("SER-78"));
-    old.firmware.firmware = FirmwareVersion{2, 60};
-    auto bus = makeBus();
-    auto link = linkOver(*bus);
-    Device device(*link, [] { return QStringLiteral("Quorvel Absent"); });
-
-    ASSERT_EQ(bus->deviceCount(), 1);
-    const std::int32_t id = bus->uniqueId(0);
-
-    // The whole list as the connection window fills it: the old-firmware
-    // probe goes unanswered (firmware 2.70 ignores it) and costs one wait.
-    DeviceSelection selection(device, [](const QString& key) { return key; });
-    selection.setProbeWait([](int) {});
-    state.UsbID = 0;
-    const DeviceList list = selection.RafraichitListe(false);
-    ASSERT_EQ(list.lines.size(), 1u);
-    EXPECT_EQ(list.lines[0].text, QStringLiteral("Quorvel : (12) 2.70     BL V 103-->1234"));
-    EXPECT_EQ(list.lines[0].itemData, id);
-    EXPECT_TRUE(dialogs.boxes().empty());
-
-    // Firmware below 2.70 answers the unchecked probe of the raw calls.
-    usb.plug(old);
-    ASSERT_EQ(bus->deviceCount(), 2);
-    const std::int32_t oldId = bus->uniqueId(1);
-    bool oldRecognised = false;
-    EXPECT_FALSE(LitVersionAvantV270(*link, oldId, oldRecognised).isEmpty());
-    EXPECT_TRUE(oldRecognised);
-}
 
 TEST_F(UsbLinkTest, ASilentDeviceGivesTimeOutAfterThreeBoundedWaits) {
     UsbMockBus::Controller c = controller(2, QByteArray("MUTE"));
@@ -288,47 +189,6 @@ TEST_F(UsbBusTest, ADeviceThatGoesAwayFailsAtOnce) {
     handle.reset();
     ASSERT_TRUE(eventually([&] { return bus->deviceCount() == 0; }));
     EXPECT_EQ(bus->open(id), nullptr);
-}
-
-TEST_F(UsbBusTest, AnInterfaceHeldElsewhereIsToldOnceAndNotOpened) {
-    UsbMockBus::Controller c = controller(2, QByteArray("BUSY"));
-    c.claimBusy = true;
-    usb.plug(c);
-    auto bus = makeBus();
-    ASSERT_EQ(bus->deviceCount(), 1);
-    for (int attempt = 0; attempt < 3; ++attempt)
-        EXPECT_EQ(bus->open(bus->uniqueId(0)), nullptr);
-    ASSERT_EQ(reports.size(), 1) << reports.join(QLatin1Char('\n')).toStdString();
-    EXPECT_TRUE(reports[0].contains(QStringLiteral("held by another program")));
-    EXPECT_TRUE(reports[0].contains(QStringLiteral("1209:0001")));
-}
-
-TEST_F(UsbBusTest, TheLinkOptionChoosesTheIdTable) {
-    UsbMockBus::Controller c = controller(2, QByteArray("T1"));
-    c.product = 0x4242;
-    usb.plug(c);
-    usb.plug(controller(3, QByteArray("T2")));
-    QTemporaryDir dir;
-    const QString table = dir.filePath(QStringLiteral("ids.conf"));
-    QFile file(table);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("1209:4242 interface=0 out=0x02 in=0x81\n1209:0001\n");
-    file.close();
-
-    for (const auto& [option, count] : {std::pair{QStringLiteral("usb"), 1},
-                                        {"usb:ids=" + table, 2},
-                                        {"usb:ids=" + table + ",readWaitMs=20", 2}}) {
-        QString error;
-        auto bus = qv::makeBus(option, &error, [](const QString&) {});
-        ASSERT_TRUE(bus) << option.toStdString() << ": " << error.toStdString();
-        EXPECT_EQ(bus->deviceCount(), count) << option.toStdString();
-    }
-    qputenv("QUORVEL_USB_IDS", table.toUtf8());
-    QString error;
-    auto fromEnvironment = qv::makeBus(QStringLiteral("usb"), &error, [](const QString&) {});
-    qunsetenv("QUORVEL_USB_IDS");
-    ASSERT_TRUE(fromEnvironment) << error.toStdString();
-    EXPECT_EQ(fromEnvironment->deviceCount(), 2);
 }
 
 } // namespace

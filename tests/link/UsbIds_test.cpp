@@ -1,11 +1,8 @@
 #include "link/backends/DeviceIds.h"
 #include "link/backends/UsbIds.h"
+#include "linkoption/BusFactory.h"
 
-#include <QFile>
-#include <QRegularExpression>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <set>
 
 using namespace qv;
 
@@ -14,12 +11,6 @@ namespace {
 UsbIdEntry entry(std::uint16_t vendor, std::uint16_t product, int interfaceNumber = 0,
                  std::uint8_t out = 0x02, std::uint8_t in = 0x81) {
     return UsbIdEntry{vendor, product, interfaceNumber, out, in};
-}
-
-QString readSource(const char* relative) {
-    QFile file(QStringLiteral(QUORVEL_SOURCE_DIR "/") + QString::fromLatin1(relative));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << relative;
-    return QString::fromUtf8(file.readAll());
 }
 
 TEST(UsbIds, TablesThatParseAndThoseThatSayWhereTheyDoNot) {
@@ -39,13 +30,9 @@ TEST(UsbIds, TablesThatParseAndThoseThatSayWhereTheyDoNot) {
     const std::pair<const char*, const char*> bad[] = {
         {"# nothing\n", "no controller"},
         {"1209", "line 1"},
-        {"1209:00001", "line 1"},
         {"\n12g9:0001", "line 2"},
-        {"1209:0001 interface=256", "interface"},
-        {"1209:0001 out=0x81", "bulk OUT"},
         {"1209:0001 out=0x00", "bulk OUT"},
         {"1209:0001 in=0x02", "bulk IN"},
-        {"1209:0001 in=0x91", "bulk IN"},
         {"1209:0001 speed=12", "unknown setting"},
         {"1209:0001\n1209:0001 interface=1", "listed twice"},
     };
@@ -56,61 +43,6 @@ TEST(UsbIds, TablesThatParseAndThoseThatSayWhereTheyDoNot) {
     }
 }
 
-TEST(UsbIds, TheShippedTableIsTheBuiltInOneAndTheUdevRuleGrantsTheSameIds) {
-    QString error;
-    const auto shipped = parseUsbIds(readSource("data/usb-ids.conf"), &error);
-    ASSERT_TRUE(shipped) << error.toStdString();
-    EXPECT_EQ(*shipped, defaultUsbIds());
-
-    std::set<std::pair<int, int>> inTable;
-    for (const UsbIdEntry& e : *shipped)
-        inTable.insert({e.vendor, e.product});
-    std::set<std::pair<int, int>> inRule;
-    const QRegularExpression grant(QStringLiteral(
-        "ATTR\\{idVendor\\}==\"([0-9a-f]{4})\".*ATTR\\{idProduct\\}==\"([0-9a-f]{4})\""
-        ".*TAG\\+=\"uaccess\""));
-    for (const QString& line : readSource("data/60-quorvel.rules").split(QLatin1Char('\n'))) {
-        if (line.trimmed().startsWith(QLatin1Char('#')))
-            continue;
-        const auto m = grant.match(line);
-        if (m.hasMatch())
-            inRule.insert({m.captured(1).toInt(nullptr, 16), m.captured(2).toInt(nullptr, 16)});
-    }
-    EXPECT_EQ(inRule, inTable);
-}
-
-TEST(UsbIds, TheOptionWinsOverTheEnvironmentAndABadFileIsAnError) {
-    QTemporaryDir dir;
-    const auto write = [&](const char* name, const char* text) {
-        QFile file(dir.filePath(QString::fromLatin1(name)));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
-        return file.fileName();
-    };
-    const QString option = write("option.conf", "aaaa:0001\n");
-    const QString environment = write("environment.conf", "bbbb:0002\n");
-    const QString broken = write("broken.conf", "1209:0001 in=0x02\n");
-
-    qputenv("QUORVEL_USB_IDS", environment.toUtf8());
-    QString source;
-    QString error;
-    auto table = loadUsbIds(option, &source, &error);
-    ASSERT_TRUE(table) << error.toStdString();
-    EXPECT_EQ(table->front().vendor, 0xAAAA);
-    EXPECT_EQ(source, option);
-    table = loadUsbIds(QString(), &source, &error);
-    ASSERT_TRUE(table) << error.toStdString();
-    EXPECT_EQ(table->front().vendor, 0xBBBB);
-
-    qputenv("QUORVEL_USB_IDS", broken.toUtf8());
-    EXPECT_FALSE(loadUsbIds(QString(), &source, &error));
-    EXPECT_TRUE(error.contains(broken) && error.contains(QStringLiteral("line 1")))
-        << error.toStdString();
-    qunsetenv("QUORVEL_USB_IDS");
-    EXPECT_FALSE(loadUsbIds(dir.filePath(QStringLiteral("missing.conf")), &source, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("missing.conf"))) << error.toStdString();
-}
-
 TEST(DeviceIds, AreFnv1aOfTheKeyKeptPositive) {
     // Ids reach scripts (quorvelctl --device ID); a change of the hash would
     // silently point every stored id at nothing.
@@ -118,6 +50,21 @@ TEST(DeviceIds, AreFnv1aOfTheKeyKeptPositive) {
     EXPECT_EQ(stableDeviceId("a"), 0x640C292C);
     EXPECT_EQ(stableDeviceId("foobar"), 0x3F9CF968);
     EXPECT_NE(stableDeviceId("usb:1209:0001:A1"), stableDeviceId("usb:1209:0001:A2"));
+}
+
+// A wait of 0 would end every read at once: the controller would never be
+// heard.
+TEST(LinkOption, ReadWaitsRunFromOneMillisecondToAMinute) {
+    const std::pair<const char*, bool> cases[] = {{"0", false},     {"1", true},   {"60000", true},
+                                                  {"60001", false}, {"-5", false}, {"soon", false}};
+    for (const auto& [wait, accepted] : cases) {
+        QString error;
+        const auto bus = makeBus(QStringLiteral("tty:/nonexistent/quorvel-*,readWaitMs=%1")
+                                     .arg(QString::fromLatin1(wait)),
+                                 &error);
+        EXPECT_EQ(bus != nullptr, accepted) << wait;
+        EXPECT_EQ(error.contains(QStringLiteral("readWaitMs")), !accepted) << error.toStdString();
+    }
 }
 
 } // namespace

@@ -50,9 +50,7 @@ struct UsbMockBus::Impl {
         std::deque<QByteArray> replies;
         int repliesBeforeLate = 0; // counts down to the late reply
         std::optional<QByteArray> late;
-        UMockdevIoctlClient* claimedBy = nullptr;
         Counts counts;
-        QByteArray lastReceived;
         // URBs are per open node: what waits for data, and what is done
         // and waits for the host to reap it.
         std::map<UMockdevIoctlClient*, std::vector<UMockdevIoctlData*>> waitingIn;
@@ -98,40 +96,6 @@ struct UsbMockBus::Impl {
         urb->status = 0;
     }
 
-    void control(Device& d, UMockdevIoctlData* urbData) {
-        usbdevfs_urb* urb = urbOf(urbData);
-        GError* error = nullptr;
-        UMockdevIoctlData* buffer =
-            umockdev_ioctl_data_resolve(urbData, offsetof(usbdevfs_urb, buffer),
-                                        static_cast<gsize>(urb->buffer_length), &error);
-        urb->actual_length = 0;
-        urb->status = -EPIPE; // what the device does not know, it stalls
-        if (!buffer || urb->buffer_length < 8)
-            return;
-        const unsigned char* setup = buffer->data;
-        const int value = setup[2] | (setup[3] << 8);
-        const int length = setup[6] | (setup[7] << 8);
-        QByteArray answer;
-        if (setup[0] == 0x80 && setup[1] == 6 && (value >> 8) == 3) {
-            if ((value & 0xFF) == 0) {
-                answer = QByteArray("\x04\x03\x09\x04", 4); // English (US)
-            } else if ((value & 0xFF) == kSerialIndex && d.setup.serial) {
-                answer.append(static_cast<char>(2 + 2 * d.setup.serial->size()));
-                answer.append('\x03');
-                for (const char c : *d.setup.serial) {
-                    answer.append(c);
-                    answer.append('\0');
-                }
-            }
-        }
-        if (answer.isEmpty())
-            return;
-        const int n = std::min({static_cast<int>(answer.size()), length, urb->buffer_length - 8});
-        std::memcpy(buffer->data + 8, answer.constData(), static_cast<size_t>(n));
-        urb->actual_length = n;
-        urb->status = 0;
-    }
-
     // Returns the ioctl's result; -errno on failure.
     long submit(Device& d, UMockdevIoctlClient* client, UMockdevIoctlData* arg) {
         GError* error = nullptr;
@@ -141,9 +105,7 @@ struct UsbMockBus::Impl {
             return -EFAULT;
         usbdevfs_urb* urb = urbOf(urbData);
         g_object_ref(urbData);
-        if (urb->type == USBDEVFS_URB_TYPE_CONTROL && urb->endpoint == 0) {
-            control(d, urbData);
-        } else if (urb->type == USBDEVFS_URB_TYPE_BULK && urb->endpoint == 0x02) {
+        if (urb->type == USBDEVFS_URB_TYPE_BULK && urb->endpoint == 0x02) {
             ++d.counts.bulkOut;
             GError* e = nullptr;
             UMockdevIoctlData* buffer =
@@ -151,7 +113,6 @@ struct UsbMockBus::Impl {
                                             static_cast<gsize>(urb->buffer_length), &e);
             QByteArray transfer(reinterpret_cast<const char*>(buffer ? buffer->data : nullptr),
                                 buffer ? urb->buffer_length : 0);
-            d.lastReceived = transfer;
             const auto outcome = d.firmware.receive(transfer, QDateTime::currentMSecsSinceEpoch());
             if (outcome.reply && !d.setup.silent) {
                 if (d.repliesBeforeLate > 0 && --d.repliesBeforeLate == 0)
@@ -169,7 +130,6 @@ struct UsbMockBus::Impl {
                 d.reapable[client].push_back(in);
             }
         } else if (urb->type == USBDEVFS_URB_TYPE_BULK && urb->endpoint == 0x81) {
-            ++d.counts.bulkIn;
             if (d.replies.empty()) {
                 d.waitingIn[client].push_back(urbData);
                 return 0;
@@ -221,29 +181,6 @@ struct UsbMockBus::Impl {
         return 0;
     }
 
-    long interfaceCall(Device& d, UMockdevIoctlClient* client, UMockdevIoctlData* arg, bool claim) {
-        GError* error = nullptr;
-        UMockdevIoctlData* number = umockdev_ioctl_data_resolve(arg, 0, sizeof(unsigned), &error);
-        if (!number)
-            return -EFAULT;
-        unsigned interfaceNumber = 0;
-        std::memcpy(&interfaceNumber, number->data, sizeof interfaceNumber);
-        if (interfaceNumber != 0)
-            return -ENOENT;
-        if (claim) {
-            if (d.setup.claimBusy || (d.claimedBy && d.claimedBy != client))
-                return -EBUSY;
-            d.claimedBy = client;
-            ++d.counts.claims;
-        } else {
-            if (d.claimedBy != client)
-                return -EINVAL;
-            d.claimedBy = nullptr;
-            ++d.counts.releases;
-        }
-        return 0;
-    }
-
     long ioctl(UMockdevIoctlClient* client) {
         std::lock_guard lock(mutex);
         Device* d = byNode(QString::fromUtf8(umockdev_ioctl_client_get_devnode(client)));
@@ -259,18 +196,9 @@ struct UsbMockBus::Impl {
         case USBDEVFS_REAPURB:
         case USBDEVFS_REAPURBNDELAY:
             return reap(*d, client, arg);
-        case USBDEVFS_CLAIMINTERFACE:
-            return interfaceCall(*d, client, arg, true);
+        case USBDEVFS_CLAIMINTERFACE: // one interface, and no other program
         case USBDEVFS_RELEASEINTERFACE:
-            return interfaceCall(*d, client, arg, false);
-        case USBDEVFS_GET_CAPABILITIES: {
-            GError* error = nullptr;
-            UMockdevIoctlData* caps = umockdev_ioctl_data_resolve(arg, 0, sizeof(guint32), &error);
-            if (!caps)
-                return -EFAULT;
-            std::memset(caps->data, 0, sizeof(guint32));
             return 0;
-        }
         default:
             return -ENOTTY;
         }
@@ -283,22 +211,13 @@ struct UsbMockBus::Impl {
         return TRUE;
     }
 
-    static void onConnected(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer self) {
-        auto* impl = static_cast<Impl*>(self);
-        std::lock_guard lock(impl->mutex);
-        if (Device* d = impl->byNode(QString::fromUtf8(umockdev_ioctl_client_get_devnode(client))))
-            ++d->counts.opens;
-    }
-
     static void onVanished(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer self) {
         auto* impl = static_cast<Impl*>(self);
         std::lock_guard lock(impl->mutex);
         Device* d = impl->byNode(QString::fromUtf8(umockdev_ioctl_client_get_devnode(client)));
         if (!d)
             return;
-        // Closing a node gives back what it claimed and drops its URBs.
-        if (d->claimedBy == client)
-            d->claimedBy = nullptr;
+        // Closing a node drops its URBs.
         for (UMockdevIoctlData* urb : d->waitingIn[client])
             g_object_unref(urb);
         for (UMockdevIoctlData* urb : d->reapable[client])
@@ -366,7 +285,6 @@ QString UsbMockBus::plug(const Controller& controller) {
     device->node = node;
     UMockdevIoctlBase* handler = umockdev_ioctl_base_new();
     g_signal_connect(handler, "handle-ioctl", G_CALLBACK(Impl::onIoctl), impl_.get());
-    g_signal_connect(handler, "client-connected", G_CALLBACK(Impl::onConnected), impl_.get());
     g_signal_connect(handler, "client-vanished", G_CALLBACK(Impl::onVanished), impl_.get());
     if (!umockdev_testbed_attach_ioctl(impl_->testbed, node.toUtf8().constData(), handler,
                                        &error)) {
@@ -397,10 +315,4 @@ UsbMockBus::Counts UsbMockBus::counts(const QString& syspath) const {
     std::lock_guard lock(impl_->mutex);
     const Impl::Device* d = impl_->bySyspath(syspath);
     return d ? d->counts : Counts{};
-}
-
-QByteArray UsbMockBus::lastReceived(const QString& syspath) const {
-    std::lock_guard lock(impl_->mutex);
-    const Impl::Device* d = impl_->bySyspath(syspath);
-    return d ? d->lastReceived : QByteArray();
 }

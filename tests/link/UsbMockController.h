@@ -23,8 +23,7 @@ public:
         int port = 2;                     // on root hub 1: sysfs name "1-<port>"
         int address = 2;                  // /dev/bus/usb/001/<address>
         qv::SimDeviceConfig firmware;
-        bool silent = false;    // takes every transfer, answers none
-        bool claimBusy = false; // its interface is held elsewhere
+        bool silent = false; // takes every transfer, answers none
         // The Nth reply (from 1; 0 for none) comes late: only once the
         // read that waited for it has been given up.
         int late = 0;
@@ -32,11 +31,7 @@ public:
 
     // What the fake kernel saw of one device.
     struct Counts {
-        int opens = 0;    // device node opened
-        int claims = 0;   // interface claimed
-        int releases = 0; // interface released
         int bulkOut = 0;
-        int bulkIn = 0;
         int discarded = 0; // reads given up by the host after their wait
     };
 
@@ -51,8 +46,6 @@ public:
     void unplug(const QString& syspath);
 
     Counts counts(const QString& syspath) const;
-    // The last transfer the device received, for checking what was sent.
-    QByteArray lastReceived(const QString& syspath) const;
 
     struct Impl;
 

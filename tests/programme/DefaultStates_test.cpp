@@ -60,59 +60,5 @@ TEST(ProgrammeDefaultStates, StateIsFoundByLanguageAndOutputNumber) {
     EXPECT_EQ(Donne_EtatDefautSortie(QDomDocument(), "English", 0), 0);
 }
 
-TEST(ProgrammeDefaultStates, SavingWritesTheFirstMatchingRowOfThatLanguageOnly) {
-    QDomDocument document = lists();
-    EXPECT_TRUE(Sauve_EtatDefautSortie(document, "english", 1, 0));
-    EXPECT_TRUE(Sauve_EtatDefautSortie(document, "English", 0, -1));
-    EXPECT_EQ(Donne_EtatDefautSortie(document, "English", 0), -1);
-    EXPECT_EQ(Donne_EtatDefautSortie(document, "Francais", 0), 1);
-    QStringList states;
-    const QDomElement outputs = document.documentElement()
-                                    .firstChildElement("Listes")
-                                    .lastChildElement()
-                                    .lastChildElement();
-    for (QDomElement row = outputs.firstChildElement(); !row.isNull();
-         row = row.nextSiblingElement())
-        states << row.lastChildElement().text();
-    EXPECT_EQ(states, QStringList({"-1", "0", "5"}));
-
-    // Without a row nothing changes.
-    for (const char* langue : {"English", "Deutsch"}) {
-        const QString before = document.toString();
-        EXPECT_FALSE(Sauve_EtatDefautSortie(document, langue, 7, 1));
-        EXPECT_EQ(document.toString(), before);
-    }
-}
-
-TEST(ProgrammeDefaultStates, DamagedRowsAreReported) {
-    const QString shortRow = QStringLiteral(
-        "<Configuration><Listes><Langue Nom=\"English\"><ListeSorties>"
-        "%1<Ligne><Texte>Valve</Texte><Index>0</Index><Valeur>3</Valeur><Etat>%2</Etat></Ligne>"
-        "</ListeSorties></Langue></Listes></Configuration>");
-    const std::tuple<const char*, const char*, bool> cases[] = {
-        {"", "1", false},
-        {"<Ligne><Texte>x</Texte><Index>5</Index><Valeur>3</Valeur></Ligne>", "1", true},
-        {"<Ligne/>", "1", true},
-        {"", "abc", true},
-        {"", "40000", true},
-        {"", "1.0", false}};
-    for (const auto& [before, state, throws] : cases) {
-        SCOPED_TRACE(std::string(before) + " / " + state);
-        QDomDocument document = parse(shortRow.arg(before, state));
-        if (throws)
-            EXPECT_THROW(Donne_EtatDefautSortie(document, "English", 0), ConfigError);
-        else
-            EXPECT_EQ(Donne_EtatDefautSortie(document, "English", 0), 1);
-    }
-    // Only a row that the walk reaches has to be whole.
-    QDomDocument later = parse(shortRow.arg(QString(), QStringLiteral("1")));
-    QDomElement list =
-        later.documentElement().firstChildElement().firstChildElement().firstChildElement();
-    list.appendChild(later.createElement("Ligne"));
-    EXPECT_EQ(Donne_EtatDefautSortie(later, "English", 0), 1);
-    EXPECT_THROW(Donne_EtatDefautSortie(later, "English", 1), ConfigError);
-    EXPECT_THROW(Sauve_EtatDefautSortie(later, "English", 1, 1), ConfigError);
-}
-
 } // namespace
 } // namespace qv

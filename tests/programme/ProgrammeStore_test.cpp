@@ -1,4 +1,6 @@
 #include "ProgrammeTestSupport.h"
+#include "TestFiles.h"
+#include "config/ConfigDocument.h"
 #include "programme/ProgrammeStore.h"
 
 #include <gtest/gtest.h>
@@ -127,17 +129,6 @@ TEST(ProgrammeStore, LinesOfEveryKindComeBackAsTheyWereStoredWhateverTheLocale) 
     }
 }
 
-TEST(ProgrammeStore, ReadingAppendsAndReturnsTheNamesOfTheLinesAdded) {
-    Conditions conditions;
-    conditions.Add(timed("before", 0, 0, 0, {}));
-    const QStringList names = LitConditions(
-        withRows(R"(<Condition NOM="MASTER"/><Condition NOM="L1"/><Condition NOM="L2"/>)"),
-        conditions);
-    EXPECT_EQ(names, QStringList({"L1", "L2"}));
-    ASSERT_EQ(conditions.Count(), 3);
-    EXPECT_EQ(conditions.Item(1)->Nom, "before");
-}
-
 TEST(ProgrammeStore, WrittenRowHasEveryAttributeInOrderAndLegacyNumberText) {
     Condition line =
         timed("Electro Vanne Bist.-1", 2.5, 3600, JourPeriode, {8, 30, 7, 11, 5, 21, 9});
@@ -201,37 +192,11 @@ TEST(ProgrammeStore, WrittenRowHasEveryAttributeInOrderAndLegacyNumberText) {
         texts << parts.join(' ');
     }
     EXPECT_EQ(texts, (QStringList{master, expected}));
-}
 
-TEST(ProgrammeStore, SavingReplacesTheRowsOfEveryConditionsNode) {
-    for (int lines : {0, 3}) {
-        QDomDocument document = parse(
-            R"(<Configuration><conditions><Condition NOM="MASTER"/><Condition NOM="old"/>)"
-            R"(<!-- note --></conditions><Other/><Conditions/><NomProgramme>a.prg</NomProgramme>)"
-            R"(</Configuration>)");
-        Conditions conditions;
-        for (int i = 0; i < lines; ++i)
-            conditions.Add(timed("L", 0, 0, 0, {}));
-        EXPECT_EQ(SauveConditions(document, conditions), 2);
-        for (const char* name : {"conditions", "Conditions"}) {
-            const QDomElement node = document.documentElement().firstChildElement(name);
-            EXPECT_EQ(node.childNodes().count(), lines == 0 ? 0 : lines + 1) << lines;
-            EXPECT_EQ(node.firstChildElement().attribute("NOM"), lines == 0 ? "" : "MASTER");
-        }
-        EXPECT_EQ(read(document).Count(), 2 * lines) << "each node is read";
-        EXPECT_EQ(document.documentElement().lastChildElement().text(), "a.prg");
-    }
-
-    // A document without the node is left alone.
-    QDomDocument document = parse(R"(<Configuration><Conf DAYLIGHT_SAVING="1"/></Configuration>)");
-    const QString before = document.toString();
-    Conditions conditions;
-    conditions.Add(Condition());
-    EXPECT_EQ(SauveConditions(document, conditions), 0);
-    EXPECT_EQ(document.toString(), before);
-    QDomDocument empty;
-    EXPECT_EQ(SauveConditions(empty, conditions), 0);
-    EXPECT_EQ(read(empty).Count(), 0);
+    // Nothing to save leaves the node empty, without the schema row.
+    QDomDocument none = withRows(QStringLiteral("<Condition NOM=\"old\"/>"));
+    SauveConditions(none, Conditions());
+    EXPECT_TRUE(rowsOf(none).empty());
 }
 
 // A short row takes what it lacks from the row before in its node; a row
@@ -281,71 +246,26 @@ TEST(ProgrammeStore, SchemaRowIsDroppedInAnyCaseButPassesItsValuesOn) {
     }
 }
 
-TEST(ProgrammeStore, UnknownAttributesAndNamesAreIgnoredAndNamesMatchInAnyCase) {
-    const Conditions conditions = read(
-        withRows(R"(<Condition nom="L1" Jour="4" heure="8" TAG="12" DERIVEE="True" INTEGRALE="-1")"
-                 R"( ACTIONDERIVEE="x" ACTIONINTEGRALE="y" FOO="bar" NUMERO8="9" OPERATEUR8="9")"
-                 R"( TEMPORISATION8="9" VALEUR18=" 3" VALEUR28=" 3" NOM2="z"/>)"
-                 R"(<!-- a comment is no row --><Ligne NOM="L2" consignes1="18"/>)"));
-    ASSERT_EQ(conditions.Count(), 2);
-    Condition expected;
-    expected.Nom = QStringLiteral("L1");
-    expected.Jour = 4;
-    expected.Heure = 8;
-    EXPECT_TRUE(*conditions.Item(1) == expected) << "nothing but NOM, JOUR and HEURE was taken";
-    expected.Nom = QStringLiteral("L2");
-    expected.ConsigneS1 = QStringLiteral("18");
-    EXPECT_TRUE(*conditions.Item(2) == expected) << "a row's element name is not looked at";
-}
-
-// Each value text is read after a schema row that seeds the line; a text
-// that can't be converted leaves the seed, and the rows after it still load.
-// Integers take the machine's separator, round half to even and keep to
-// the field's range; number texts take the number at the front, "." on every
-// machine; booleans words or numbers.
-TEST(ProgrammeStore, ValueTextsConvertByTheKindOfTheirField) {
-    const QString seed = R"(<Condition NOM="MASTER" SORTIE="3" HEURE="8" NUMERO0="5")"
-                         R"( VALEUR=" 1" REGULATION="True"/>)";
-    using Field = double (*)(const Condition&);
-    const Field sortie = [](const Condition& c) { return double(c.sortie); };
-    const Field heure = [](const Condition& c) { return double(c.Heure); };
-    const Field numero = [](const Condition& c) { return double(*c.Numero(0)); };
-    const Field valeur = [](const Condition& c) { return c.Valeur; };
-    const Field regulation = [](const Condition& c) { return double(c.Regulation); };
-    const std::tuple<bool, const char*, const char*, Field, double> cases[] = {
-        {false, "SORTIE", "32768", sortie, 3},        {true, "SORTIE", "4,0", sortie, 4},
-        {false, "SORTIE", "4,5", sortie, 3},          {false, "HEURE", "2.5", heure, 2},
-        {false, "NUMERO0", "256", numero, 5},         {true, "VALEUR", "2,5", valeur, 2},
-        {false, "VALEUR", "abc", valeur, 0},          {false, "VALEUR", "1e999", valeur, 1},
-        {true, "REGULATION", "0,0", regulation, 0},   {false, "REGULATION", "-1", regulation, 1},
-        {false, "REGULATION", "False", regulation, 0}};
-    for (const auto& [french, attribute, text, field, expected] : cases) {
-        SCOPED_TRACE(std::string(attribute) + "=\"" + text + '"' + (french ? " (French)" : ""));
-        test::DefaultLocale scoped{french ? QLocale(QLocale::French, QLocale::France)
-                                          : QLocale(QLocale::C)};
-        const Conditions conditions =
-            read(withRows(seed + QStringLiteral(R"(<Condition NOM="L1" %1="%2"/>)"
-                                                R"(<Condition NOM="L2" MINUTE="9"/>)")
-                                     .arg(attribute, text)));
-        ASSERT_EQ(conditions.Count(), 2);
-        EXPECT_EQ(field(*conditions.Item(1)), expected);
-        EXPECT_EQ(field(*conditions.Item(2)), expected);
-        EXPECT_EQ(conditions.Item(2)->Minute, 9);
-    }
-}
-
-TEST(ProgrammeStore, AValueWithoutATextFormLeavesItsAttributeOut) {
-    Condition line;
-    line.Valeur = std::numeric_limits<double>::quiet_NaN();
-    line.setValeur1(2, std::numeric_limits<double>::infinity());
+// A programme file that is missing or no document is an error naming it,
+// and the lines in memory stay.
+TEST(ProgrammeStore, AProgrammeFileThatCannotBeReadIsAnErrorAndTheLinesStay) {
+    const test::ScratchAppFolder dir;
+    test::writeFile(dir.filePath("broken.prg"),
+                    R"(<Configuration><CONDITIONS><Condition NOM="A">)");
+    const ConfigDocument config(dir.configPath());
     Conditions conditions;
-    conditions.Add(line);
-    QDomDocument document = withRows(QString());
-    SauveConditions(document, conditions);
-    const QDomElement row = rowsOf(document).at(1);
-    EXPECT_FALSE(row.hasAttribute("VALEUR"));
-    EXPECT_FALSE(row.hasAttribute("VALEUR12"));
-    EXPECT_EQ(row.attributes().count(), 67);
+    conditions.Add(timed("L1", 0, 0, 0, {}));
+    conditions.Add(timed("L2", 0, 0, 0, {}));
+    for (const char* name : {"missing.prg", "broken.prg"}) {
+        try {
+            LitConditions(config, conditions, dir.filePath(name));
+            ADD_FAILURE() << "no error for " << name;
+        } catch (const ConfigError& error) {
+            EXPECT_TRUE(error.text().contains(name)) << error.what();
+        }
+        EXPECT_THROW(SauveConditions(config, conditions, dir.filePath(name)), ConfigError);
+        EXPECT_EQ(conditions.Count(), 2);
+    }
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "ProgrammeTestSupport.h"
 #include "RecordingDialogs.h"
 #include "SimulatedBus.h"
+#include "TestFiles.h"
 #include "config/ConfigDocument.h"
 #include "device/Device.h"
 #include "link/FrameLink.h"
+#include "programme/ProgrammeCheck.h"
 #include "programme/ProgrammeDownload.h"
 #include "programme/ProgrammeStore.h"
 #include "programme/ProgrammeUpload.h"
@@ -51,12 +53,6 @@ private:
     int opens_ = 0;
     std::optional<int> deadFromOpen_;
 };
-
-QByteArray contents(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
 
 // A frame as the test spells it: the named leading bytes, zeros up to the
 // 14 bytes in front of the check value.
@@ -133,7 +129,7 @@ protected:
     FrameLink link{gate, dialogs, state};
     Device device{link, [] { return QStringLiteral("Quorvel Absent"); }};
     std::int32_t id = 0;
-    QTemporaryDir dir;
+    test::ScratchAppFolder folder;
     std::map<int, double> outputFormats; // ListeSorties: position -> item data
 
     void SetUp() override {
@@ -141,12 +137,9 @@ protected:
         bus.setSleep([](int) {});
         id = bus.addDevice(SimDeviceConfig{});
         state.UsbID = id;
-        ASSERT_TRUE(dir.isValid());
-        QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath());
-        QFile::setPermissions(configPath(), QFile::ReadOwner | QFile::WriteOwner);
     }
 
-    QString configPath() const { return dir.filePath(QStringLiteral("config.xml")); }
+    QString configPath() const { return folder.configPath(); }
 
     // A fresh start for the next case of a table: the device answers again
     // and nothing of the last case is left in the flags, boxes and trace.
@@ -268,16 +261,6 @@ TEST_F(ProgrammeTransfer, OneLineOfEachKindGoesAsTheFramesAndImageOfTheProtocol)
     EXPECT_EQ(image(48, 139), laidOut);
 }
 
-TEST_F(ProgrammeTransfer, ValueGoesAsItsLowByteOnlyWhenTheFormatIs0) {
-    const std::array<double, 3> cases[] = {
-        {0, 1, 1}, {0, 300, 44}, {0, 2.5, 2}, {5, 255, 0}, {-1, 1, 0}}; // format, value, byte 3
-    for (const auto& [format, valeur, byte3] : cases) {
-        SCOPED_TRACE(testing::Message() << "Format " << format << " Valeur " << valeur);
-        EXPECT_EQ(conditionFrame(line(0, std::int16_t(format), valeur, 0), 1),
-                  (Bytes{3, 3, 0, std::uint8_t(byte3), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
-    }
-}
-
 TEST_F(ProgrammeTransfer, CancelOrAnEarlierTimeOutSendsNothing) {
     dialogs.answerNext(MsgBox::AnswerCancel);
     const EnvoiResultat result = download(oneOfEachKind());
@@ -291,14 +274,6 @@ TEST_F(ProgrammeTransfer, CancelOrAnEarlierTimeOutSendsNothing) {
     EXPECT_EQ(dialogs.boxes().size(), 2u);
     EXPECT_EQ(gate.attempts(), 0);
     EXPECT_TRUE(bus.traceLines().isEmpty());
-}
-
-TEST_F(ProgrammeTransfer, EmptyProgrammeStillAsksSetsTheClockAndBeginsAnImage) {
-    writeImage(header() + kEnd);
-    EXPECT_TRUE(download(Conditions{}, 0).resultat);
-    EXPECT_EQ(dialogs.boxes().size(), 1u);
-    EXPECT_EQ(frames(), (std::vector<Image>{kClockFrame, frame({0x02, 0, 0})}));
-    EXPECT_EQ(bus.device(id)->eeprom(48), 255);
 }
 
 // The device goes dead after a number of answered exchanges; the download
@@ -336,12 +311,8 @@ TEST_F(ProgrammeTransfer, ProgrammeOutOfRangeIsRefusedBeforeAnyFrame) {
     const Case cases[] = {
         {[](Conditions& l) { at(l).sortie = 256; }, "line 2, field SORTIE: 256"},
         {[](Conditions& l) { at(l).Jour = -1; }, "line 2, field JOUR: -1"},
-        {[](Conditions& l) { at(l).Jour = 13; }, "line 2, field JOUR: 13"},
-        {[](Conditions& l) { at(l).Heure = 300; }, "line 2, field HEURE: 300"},
         {[](Conditions& l) { at(l).Jour = JourPlage, at(l).PlageFinHeure = 256; },
          "line 2, field HEUREFIN: 256"},
-        {[](Conditions& l) { at(l).Jour = JourPeriode, at(l).Seconde = 256; },
-         "line 2, field SECONDE: 256"},
         {[](Conditions& l) { at(l).Valeur = -1e10; }, "line 2, field VALEUR: -10000000000"},
         {[](Conditions& l) {
              while (l.Count() <= kMaxLignesEnvoi)
@@ -367,31 +338,15 @@ TEST_F(ProgrammeTransfer, ProgrammeOutOfRangeIsRefusedBeforeAnyFrame) {
         EXPECT_TRUE(dialogs.boxes()[0].text.contains(QString::fromUtf8(c.says)))
             << dialogs.boxes()[0].text.toStdString();
     }
+    // The largest programme that the line byte can number passes.
+    Conditions largest;
+    while (largest.Count() < kMaxLignesEnvoi)
+        largest.Add(line(0, 0, 1, 5));
+    EXPECT_FALSE(VerifieProgramme(largest, 1).has_value());
     // The default state of the output goes in a byte too.
     revive();
     EXPECT_EQ(download(Conditions{}, -1).refus->kind, ProgrammeFault::Kind::DefaultState);
     EXPECT_EQ(gate.attempts(), 0);
-}
-
-// The refusal is in the operator's language.
-TEST_F(ProgrammeTransfer, RefusalSpeaksTheLanguageInUse) {
-    Conditions conditions;
-    Condition bad = line(2, 0, 1, 5);
-    bad.Minute = 60 * 60;
-    conditions.Add(bad);
-    ConfigDocument config(configPath());
-    const MessageLookup french = [&config](const QString& key) {
-        return config.LitMessage(QStringLiteral("Français"), key, QString());
-    };
-    const EnvoiResultat result =
-        Envoi_Conditions(device, conditions, 1, kQuestion, QDate(2024, 3, 7),
-                         QDateTime(QDate(2024, 3, 5), QTime(14, 3, 5)), french);
-    ASSERT_TRUE(result.refus);
-    ASSERT_EQ(dialogs.boxes().size(), 1u);
-    EXPECT_EQ(dialogs.boxes()[0].text,
-              QStringLiteral("Le programme ne peut pas être envoyé : ligne 1, champ MINUTE : "
-                             "3600 est hors limites."));
-    EXPECT_TRUE(bus.traceLines().isEmpty());
 }
 
 // ---------------------------------------------------------------- round trip
@@ -432,29 +387,6 @@ TEST_F(ProgrammeTransfer, UploadGivesBackWhatTheDownloadCarried) {
 
 // ---------------------------------------------------------------- upload
 
-// The name counts from the valve's output; the format comes from the output's
-// row, 0 without a row or with one that does not fit.
-TEST_F(ProgrammeTransfer, PlainLinesTakeTheirValueDelayNameAndFormat) {
-    outputFormats = {{3, 0}, {4, 7}, {5, 40000}};
-    writeImage(header() + Image{4, 0, 0, 0xFE, 0x7F, 9, 9, 9, 9, 0, 0, 0x38, 0xFF} +
-               Image{5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0} +
-               Image{6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0} + kEnd);
-    const ProgrammeLu read = upload();
-    ASSERT_EQ(read.fin, Fin::MarqueDeFin);
-    ASSERT_EQ(read.conditions->Count(), 4);
-    EXPECT_EQ(test::storedFields(*read.conditions->Item(1)), test::storedFields(plain()));
-    Condition second = plain();
-    second.Nom = kValveName + " 2-2";
-    second.sortie = 4;
-    second.rang = 2;
-    second.Format = 7;
-    second.Valeur = 32766;
-    second.Temporisation = -200; // a signed word
-    EXPECT_EQ(test::storedFields(*read.conditions->Item(2)), test::storedFields(second));
-    EXPECT_EQ(read.conditions->Item(3)->Format, 0);
-    EXPECT_EQ(read.conditions->Item(4)->Format, 0);
-}
-
 // Jour, Heure, Minute, Seconde, then the four PlageFin fields.
 using Times = std::array<std::int16_t, 8>;
 
@@ -494,7 +426,6 @@ TEST_F(ProgrammeTransfer, TimeTermsAndRangeBlocksSetTheTimeFieldsOnly) {
     const std::pair<Image, QString> comments[] = {
         {{'G', 'a', 'r', 0xE9, '!'}, QStringLiteral("Gar\u00E9!")},
         {{0x80, ' ', 'l', 0x92, 'a', 'n'}, QStringLiteral("\u20AC l\u2019an")},
-        {{0x85, 0x9C, 0x9F}, QStringLiteral("\u2026\u0153\u0178")},
         {{0x81, 0x8D, 0xFF}, QStringLiteral("\u0081\u008D\u00FF")}, // undefined: kept as is
         // What XML cannot carry; tab, line feed and carriage return it can.
         {{'a', 0x01, 0x0B, 0x1F, '\t', '\n', '\r', 0, 0}, QStringLiteral("a???\t\n\r??")},
@@ -506,64 +437,23 @@ TEST_F(ProgrammeTransfer, TimeTermsAndRangeBlocksSetTheTimeFieldsOnly) {
     }
 }
 
-// A device comment with control bytes and NUL padding is stored with them
-// replaced; the document stays well-formed, and every other field is kept.
-TEST_F(ProgrammeTransfer, UploadOfAControlCharacterCommentIsStoredAndLoadsAgain) {
-    outputFormats = {{3, 0}};
-    writeImage(Image{253, 6, 'O', 'K', 0x01, 0x92, 0, 0} + header(1) + kDayTerm +
-               Image{253, 1, 0x07} + header() + kEnd);
-    const ConfigDocument config(configPath());
-    const ProgrammeLu read = uploadAndSave(config);
-    ASSERT_EQ(read.fin, Fin::MarqueDeFin);
-    Conditions stored;
-    LitConditions(ConfigDocument(configPath()), stored);
-    ASSERT_EQ(stored.Count(), 2);
-    EXPECT_EQ(stored.Item(1)->Commentaire, QStringLiteral("OK?\u2019??"));
-    EXPECT_EQ(stored.Item(2)->Commentaire, QStringLiteral("?"));
-    for (int n = 1; n <= 2; ++n)
-        EXPECT_EQ(test::storedFields(*stored.Item(n)),
-                  test::storedFields(*read.conditions->Item(n)));
-    EXPECT_EQ(stored.Item(1)->Jour, 3);
-    EXPECT_EQ(stored.Item(1)->Temporisation, 300);
-}
-
-// Bit 7 of byte 4 makes the copy form: input number from byte 3, value and
-// offset from the words at 5 and 7. A plain value below 0 falls into it too.
-TEST_F(ProgrammeTransfer, CopyFormTakesTheInputValueAndOffset) {
-    const std::array<int, 4> cases[] = {{0x85, 0x80, 0, 5},
-                                        {0x85, 0x80, 2, 6},
-                                        {0x05, 0xFF, 0, 5},
-                                        {0x38, 0xFF, 1, 57}}; // bytes 3 and 4, format, input
-    for (const auto& [byte3, byte4, format, recopie] : cases) {
-        SCOPED_TRACE(testing::Message() << byte3 << " " << byte4 << " format " << format);
+// Bit 7 of byte 4 makes the copy form: the input from byte 3, 6 when the
+// output's format is not 0. A logic term of input 0 or 2 is scaled from
+// percent to 4-20 mA or 0-10 V.
+TEST_F(ProgrammeTransfer, CopyFormAndScaledLogicTerms) {
+    for (const auto& [format, recopie] : {std::pair{0, 5}, {2, 6}}) {
         outputFormats = {{3, format}};
         const Condition read =
-            single(Image{3, 0, 0, byte3, byte4, 10, 0, 0xFE, 0xFF, 7, 7, 60, 0} + kEnd);
+            single(Image{3, 0, 0, 0x85, 0x80, 10, 0, 0xFE, 0xFF, 7, 7, 60, 0} + kEnd);
         EXPECT_EQ(
             test::storedFields(read)[1],
             QStringLiteral("Valeur=10 Temporisation=60 Offset=-2 RecopieEntree=%1").arg(recopie));
     }
-}
-
-// 4 to 20 mA for inputs 0 and 1, 0 to 10 V for 2 and 3, as read beyond.
-TEST_F(ProgrammeTransfer, LogicTermsAreScaledFromPercentToTheInputsUnit) {
-    struct Case {
-        Image bytes; // index, operator, then the two words
-        double valeur1, valeur2;
-    };
-    const Case cases[] = {{{0, 4, 50, 0, 100, 0}, 12, 20}, {{1, 2, 0, 0, 25, 0}, 4, 8},
-                          {{2, 1, 50, 0, 100, 0}, 5, 10},  {{3, 3, 5, 0, 0, 0}, 0.5, 0},
-                          {{4, 7, 44, 1, 1, 2}, 300, 513}, {{7, 255, 0, 255, 0, 0}, 65280, 0}};
-    for (const Case& c : cases) {
-        const int index = c.bytes[0];
-        SCOPED_TRACE(index);
-        Condition expected = plain();
-        expected.setNumero(index, std::uint8_t(index));
-        expected.setOperateur(index, std::uint8_t(c.bytes[1]));
-        expected.setValeur1(index, c.valeur1);
-        expected.setValeur2(index, c.valeur2);
-        EXPECT_EQ(test::storedFields(single(header(1) + c.bytes + Image{9, 9, 9, 9} + kEnd)),
-                  test::storedFields(expected));
+    for (const auto& [index, valeur1, valeur2] : {std::tuple{0, 12.0, 20.0}, {2, 5.0, 10.0}}) {
+        const Condition read =
+            single(header(1) + Image{index, 4, 50, 0, 100, 0, 9, 9, 9, 9} + kEnd);
+        EXPECT_EQ(read.Valeur1(index), valeur1) << index;
+        EXPECT_EQ(read.Valeur2(index), valeur2) << index;
     }
 }
 
@@ -594,7 +484,7 @@ TEST_F(ProgrammeTransfer, IncompleteUploadStoresNothing) {
     Conditions stored;
     stored.Add(line(2, 0, 1, 5));
     SauveConditions(config, stored);
-    const QByteArray before = contents(configPath());
+    const QByteArray before = test::readFile(configPath());
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.image.size() << " bytes, " << c.answered);
         revive();
@@ -605,7 +495,7 @@ TEST_F(ProgrammeTransfer, IncompleteUploadStoresNothing) {
         const ProgrammeLu read = uploadAndSave(config);
         EXPECT_EQ(read.fin, c.fin);
         EXPECT_EQ(read.conditions ? read.conditions->Count() : -1, c.lines);
-        EXPECT_EQ(contents(configPath()), before);
+        EXPECT_EQ(test::readFile(configPath()), before);
         const int attempts = gate.attempts() - start;
         EXPECT_LE(attempts, c.answered >= 0 ? c.answered + 2 * FrameLink::kAttempts : 2 * 512);
         EXPECT_TRUE(c.fin != Fin::ImageVide || attempts == 1) << "an empty image takes one read";

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "RecordingDialogs.h"
 #include "SimulatedBus.h"
 #include "link/Crc.h"
-#include "link/FrameLink.h"
-#include "link/PublicState.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -27,11 +24,6 @@ inline QByteArray checkedFrame(std::initializer_list<int> bytes) {
     return frame;
 }
 
-inline bool checkValueHolds(const QByteArray& reply) {
-    return reply.size() >= 3 &&
-           crc16(reinterpret_cast<const std::uint8_t*>(reply.constData()), reply.size()) == 0;
-}
-
 inline int at(const QByteArray& bytes, int index) {
     return static_cast<std::uint8_t>(bytes.at(index));
 }
@@ -42,8 +34,8 @@ inline SimDeviceConfig firmware(const char* version) {
     return config;
 }
 
-// A bus with a hand-driven clock, so that nothing sleeps. The clock starts on
-// a fixed local date so that clock tests can name the expected reading.
+// A bus with a hand-driven clock, so that nothing sleeps and a restart's
+// silence ends when the test says so.
 class SimFixture : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -75,34 +67,9 @@ protected:
         const auto reply = command(id, bytes);
         return reply && reply->size() > 1 ? at(*reply, 1) : -1;
     }
-    // The device's clock as the 0xF1 reply shows it: day, month, year, h, m, s.
-    QByteArray clock(std::int32_t id) { return command(id, {0xF1}).value_or("").mid(1, 6); }
 
     qint64 nowMs = 0;
     SimulatedBus bus;
-};
-
-// The same, with the product's frame link on top of the bus.
-class SimLinkFixture : public SimFixture {
-protected:
-    void SetUp() override {
-        SimFixture::SetUp();
-        link.setPause([](int) {});
-    }
-
-    // EchangeUsb with reply length n; the reply, or nullopt on failure.
-    std::optional<Bytes> exchange(std::int32_t id, const Bytes& request, int n) {
-        Bytes reply;
-        std::int16_t length = static_cast<std::int16_t>(n);
-        if (!link.EchangeUsb(id, request, 16, reply, length, QStringLiteral("Absent"), false,
-                             QString()))
-            return std::nullopt;
-        return reply;
-    }
-
-    RecordingDialogs dialogs;
-    PublicState state;
-    FrameLink link{bus, dialogs, state};
 };
 
 } // namespace qv::test

@@ -20,6 +20,7 @@ public:
     int count = 1;
     bool openFails = false;
     bool writeFails = false;
+    int writesToRefuse = 0; // the next writes refused, one call each
 
     // A checked reply: payload followed by its CRC, low byte first.
     static QByteArray checked(QByteArray payload) {
@@ -43,7 +44,7 @@ private:
     struct Handle : BusHandle {
         explicit Handle(ScriptedBus& bus) : bus_(bus) {}
         bool write(const QByteArray& transfer) override {
-            if (bus_.writeFails)
+            if (bus_.writeFails || (bus_.writesToRefuse > 0 && bus_.writesToRefuse--))
                 return false;
             bus_.written.push_back(transfer);
             return true;

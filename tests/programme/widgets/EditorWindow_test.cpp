@@ -1,4 +1,8 @@
 #include "EditorTestSupport.h"
+#include "RecordingDialogs.h"
+#include "TestFiles.h"
+#include "config/ConfigDocument.h"
+#include "programme/ProgrammeStore.h"
 #include "programme/widgets/ProgrammationWindow.h"
 
 #include <QAbstractButton>
@@ -6,11 +10,13 @@
 #include <QComboBox>
 #include <QDateTimeEdit>
 #include <QDir>
+#include <QFile>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace qv::test {
@@ -19,21 +25,14 @@ namespace {
 // The window over a scratch config.xml and a main form that answers.
 class EditorWindowTest : public ::testing::Test {
 protected:
-    QTemporaryDir dir;
-    QString configPath;
+    ScratchAppFolder dir;
     std::unique_ptr<ConfigDocument> config;
     Conditions conditions;
     FakeMainScreen main;
     RecordingDialogs dialogs;
     std::unique_ptr<ProgrammationWindow> window;
 
-    void SetUp() override {
-        ASSERT_TRUE(dir.isValid());
-        configPath = dir.filePath(QStringLiteral("config.xml"));
-        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath));
-        QFile::setPermissions(configPath, QFile::ReadOwner | QFile::WriteOwner);
-        config = std::make_unique<ConfigDocument>(configPath);
-    }
+    void SetUp() override { config = std::make_unique<ConfigDocument>(dir.configPath()); }
 
     void open(const QLocale& locale = QLocale(QLocale::English, QLocale::UnitedKingdom)) {
         window.reset();
@@ -90,60 +89,8 @@ protected:
     }
 };
 
-TEST_F(EditorWindowTest, EditorWindowControlsCarryTheirNames) {
-    open();
-    using K = ConsoleView::Kind;
-    const std::vector<std::pair<const char*, K>> expected = {
-        {"LireProg", K::Button},
-        {"FrameMessage", K::Frame},
-        {"Message", K::Label},
-        {"ImprimerProg", K::Button},
-        {"DetruireProg", K::Button},
-        {"EnregistrerProg", K::Button},
-        {"NomFichier", K::TextBox},
-        {"ListeConditions", K::ListBox},
-        {"SortirProgrammation", K::Button},
-        {"ListeSorties", K::ComboBox},
-        {"FrameCondition", K::Frame},
-        {"Ajouter", K::Button},
-        {"DetruireCondition", K::Button},
-        {"ModifierCondition", K::Button},
-        {"FrameSortie", K::Frame},
-        {"ValeurPeriode", K::TextBox},
-        {"ValeurTemporisation", K::TextBox},
-        {"HeureDebut", K::DatePicker},
-        {"HeureFin", K::DatePicker},
-        {"ListeJours", K::ComboBox},
-        {"ListeValeurLogique", K::ComboBox},
-        {"LabelHHMMSS_0", K::Label},
-        {"LabelHHMMSS_1", K::Label},
-        {"LabelPeriode", K::Label},
-        {"UniteSeconde", K::Label},
-        {"LabelTemporisarion", K::Label},
-        {"Label3", K::Label},
-        {"LabelConditions", K::Label},
-        {"FramevaleursDefaut", K::Frame},
-        {"ValeurLogiqueDefaut_0", K::ComboBox},
-        {"Sorties_0", K::OptionButton},
-        {"Image1", K::Other},
-    };
-    QMap<QString, K> kinds;
-    for (const auto& c : window->view().controls())
-        kinds.insert(c.name, c.kind);
-    for (const auto& [name, kind] : expected) {
-        ASSERT_TRUE(kinds.contains(QString::fromLatin1(name))) << name;
-        EXPECT_EQ(kinds.value(QString::fromLatin1(name)), kind) << name;
-    }
-    EXPECT_EQ(window->objectName(), QStringLiteral("Programmation"));
-    EXPECT_TRUE(window->isModal());
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Output programming"));
-    // Enter in an entry box presses no button.
-    for (const QPushButton* b : window->findChildren<QPushButton*>())
-        EXPECT_FALSE(b->autoDefault() || b->isDefault()) << b->objectName().toStdString();
-}
-
 TEST_F(EditorWindowTest, EditorWindowEditsSavesAndPrintsThroughItsControls) {
-    main.eeprom[24] = 1;
+    main.eeprom[24] = 2; // the device's 2 is Open too
     open();
     EXPECT_EQ(child<QComboBox>("ValeurLogiqueDefaut_0")->currentText(), QStringLiteral("Open"));
 
@@ -200,6 +147,67 @@ TEST_F(EditorWindowTest, EditorWindowEditsSavesAndPrintsThroughItsControls) {
 
     child<QPushButton>("SortirProgrammation")->click();
     EXPECT_EQ(window->result(), QDialog::Accepted);
+}
+
+TEST_F(EditorWindowTest, EditorWindowTakesSixLinesAtMostAndSaysNothingOfTheSeventh) {
+    open();
+    for (int i = 0; i < 7; ++i)
+        child<QPushButton>("Ajouter")->click();
+    EXPECT_EQ(child<QListWidget>("ListeConditions")->count(), 6);
+    EXPECT_EQ(conditions.Count(), 6);
+    EXPECT_TRUE(dialogs.boxes().empty());
+}
+
+// The old form's ways: a duration past the word is taken and stored as
+// 32000, moving to another line commits the shown one first, deleting the
+// first of three leaves the names of lines 2 and 3, and a new line shows
+// day row 0 with the value row as it was.
+TEST_F(EditorWindowTest, EditorWindowKeepsTheOldFormsWays) {
+    storeProgramme();
+    open();
+    auto* list = child<QListWidget>("ListeConditions");
+    ASSERT_EQ(list->count(), 3);
+    list->setCurrentRow(0);
+    type("ValeurTemporisation", QStringLiteral("40000"));
+    EXPECT_EQ(child<QLabel>("Message")->text(), QString());
+    list->setCurrentRow(1);
+    EXPECT_EQ(conditions.Item(1)->Temporisation, 32000);
+
+    list->setCurrentRow(0);
+    child<QPushButton>("DetruireCondition")->click();
+    ASSERT_EQ(list->count(), 2);
+    EXPECT_EQ(list->item(0)->text(), QStringLiteral("Bistable valve-2"));
+    EXPECT_EQ(list->item(1)->text(), QStringLiteral("Bistable valve-3"));
+
+    choose("ListeValeurLogique", 1);
+    child<QPushButton>("Ajouter")->click();
+    EXPECT_EQ(child<QComboBox>("ListeJours")->currentIndex(), 0);
+    EXPECT_EQ(child<QComboBox>("ListeValeurLogique")->currentIndex(), 1);
+    EXPECT_TRUE(dialogs.boxes().empty());
+}
+
+// A cancelled file dialog changes nothing.
+TEST_F(EditorWindowTest, EditorWindowCancelledFileDialogsChangeNothing) {
+    storeProgramme();
+    open();
+    const QByteArray before = readFile(dir.configPath());
+    window->setFileChooser([](const FileDialogRequest&, bool) { return QString(); });
+    child<QPushButton>("LireProg")->click();
+    child<QPushButton>("EnregistrerProg")->click();
+    EXPECT_EQ(child<QLineEdit>("NomFichier")->text(), QStringLiteral("garden.prg"));
+    EXPECT_EQ(child<QListWidget>("ListeConditions")->count(), 3);
+    EXPECT_EQ(readFile(dir.configPath()), before);
+    EXPECT_TRUE(dialogs.boxes().empty());
+}
+
+// A controller in time-out at the start shows no lines and no file name.
+TEST_F(EditorWindowTest, EditorWindowInTimeOutShowsNothing) {
+    storeProgramme();
+    main.timedOut = true;
+    open();
+    EXPECT_EQ(child<QListWidget>("ListeConditions")->count(), 0);
+    EXPECT_EQ(child<QLineEdit>("NomFichier")->text(), QString());
+    EXPECT_TRUE(main.reads.empty());
 }
 
 // Pictures of the editor on a periodic line, for the documentation when

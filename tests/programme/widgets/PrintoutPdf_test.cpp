@@ -1,5 +1,6 @@
 #include "ProgrammeTestSupport.h"
 #include "programme/Conditions.h"
+#include "programme/ProgrammePrintout.h"
 #include "programme/widgets/ProgrammePrinting.h"
 
 #include <QProcess>
@@ -66,6 +67,16 @@ QStringList pdfLines(const QString& pdf) {
     if (!process.waitForFinished(30000) || process.exitCode() != 0)
         return {};
     return QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'));
+}
+
+// The heading's date is day first on every machine.
+TEST(PrintoutPage, HeadingIsDayFirstWhateverTheLocale) {
+    DefaultLocale american(QLocale(QLocale::English, QLocale::UnitedStates));
+    PrintoutTexts texts = englishTexts();
+    texts.date = QDate(2026, 12, 3);
+    texts.nomFichier = QString();
+    EXPECT_EQ(ImprimeProgrammation(Conditions(), texts).heading,
+              QStringLiteral("03/12/2026\t - Page : 1"));
 }
 
 class PrintoutPdf : public ::testing::Test {
