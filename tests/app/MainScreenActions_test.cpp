@@ -13,7 +13,6 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
-#include <atomic>
 #include <functional>
 
 namespace qv::test {
@@ -26,46 +25,11 @@ const qint64 kNowSeconds = QDateTime(kNow.date(), kNow.time(), Qt::UTC).toSecsSi
 const char* const kRuleCombos[] = {"Semaine_0", "Jour_0", "Mois_0", "Heure_0",
                                    "Semaine_1", "Jour_1", "Mois_1", "Heure_1"};
 
-// The bus as the window sees it, with a device that can be made to die: it is
-// unplugged at the transfer that comes after `writesLeft` more (-1: never).
-class DyingBus : public Bus {
-public:
-    explicit DyingBus(SimulatedBus& sim) : sim_(sim) {}
-    std::atomic<int> writesLeft{-1};
-
-    int deviceCount() override { return sim_.deviceCount(); }
-    std::int32_t uniqueId(int index) override { return sim_.uniqueId(index); }
-    std::unique_ptr<BusHandle> open(std::int32_t id) override {
-        auto inner = sim_.open(id);
-        return inner ? std::make_unique<Handle>(*this, id, std::move(inner)) : nullptr;
-    }
-
-private:
-    struct Handle : BusHandle {
-        Handle(DyingBus& b, std::int32_t i, std::unique_ptr<BusHandle> h)
-            : bus(b), id(i), inner(std::move(h)) {}
-        bool write(const QByteArray& transfer) override {
-            if (bus.writesLeft == 0)
-                bus.sim_.unplug(id);
-            else if (bus.writesLeft > 0)
-                --bus.writesLeft;
-            return inner->write(transfer);
-        }
-        QByteArray read(int maxLength) override { return inner->read(maxLength); }
-        void cancel() override { inner->cancel(); }
-        int lastError() const override { return inner->lastError(); }
-        DyingBus& bus;
-        std::int32_t id;
-        std::unique_ptr<BusHandle> inner;
-    };
-    SimulatedBus& sim_;
-};
-
 // The window over the demonstration controller behind that bus, with a fixed
 // clock and numbers written with a decimal point.
 class ActionsFixture : public WindowFixture {
 protected:
-    DyingBus dying{*bus};
+    WatchedBus dying{*bus};
     QTimer watcher;
 
     void SetUp() override {

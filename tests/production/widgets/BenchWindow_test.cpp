@@ -1,6 +1,5 @@
 // The bench window against simulated controllers on the offscreen platform:
-// the real threads and the queued signals, the link's pauses shortened
-// (except for the screenshot, which runs at the real pace).
+// the real threads and the queued signals, the link's pauses shortened.
 #include "ProductionTestSupport.h"
 #include "RecordingDialogs.h"
 #include "link/FrameLink.h"
@@ -41,12 +40,10 @@ protected:
             ids.push_back(bus.addDevice(SimDeviceConfig{}));
     }
 
-    std::unique_ptr<BenchWindow> open(const QString& language, bool realPace = false) {
+    std::unique_ptr<BenchWindow> open(const QString& language) {
         auto window = std::make_unique<BenchWindow>(bus, config, dialogs, language);
-        if (!realPace) {
-            window->setLinkSetup([](FrameLink& link) { link.setPause([](int) {}); });
-            window->setRestartWait(0);
-        }
+        window->setLinkSetup([](FrameLink& link) { link.setPause([](int) {}); });
+        window->setRestartWait(0);
         window->show();
         window->refresh();
         return window;
@@ -108,44 +105,6 @@ TEST_F(BenchWindowTest, EightControllersRunAtOnceAndEachRowEndsWithItsSerial) {
     EXPECT_TRUE(dialogs.boxes().empty());
 }
 
-TEST_F(BenchWindowTest, CaptionsAndStatesComeInTheLanguageInUse) {
-    struct Case {
-        QString language, start, modelHeader, waiting, programmeFileRefused;
-    };
-    const Case cases[] = {
-        {QStringLiteral("English"), QStringLiteral("Start"), QStringLiteral("Model"),
-         QStringLiteral("Waiting"), QStringLiteral("Choose a programme file (*.prg)")},
-        {QStringLiteral("Français"), QStringLiteral("Démarrer"), QStringLiteral("Modèle"),
-         QStringLiteral("En attente"), QStringLiteral("Choisissez un fichier programme (*.prg)")},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.language.toStdString());
-        dialogs.clear();
-        auto window = open(c.language);
-        EXPECT_EQ(child<QPushButton>(*window, "Demarrer")->text(), c.start);
-        EXPECT_EQ(table(*window)->horizontalHeaderItem(1)->text(), c.modelHeader);
-        EXPECT_EQ(cell(*window, 0, 4), c.waiting);
-        // No file: refused with a box, nothing started.
-        EXPECT_FALSE(window->start());
-        ASSERT_EQ(dialogs.boxes().size(), 1u);
-        EXPECT_EQ(dialogs.boxes()[0].text, c.programmeFileRefused);
-        window->close();
-    }
-}
-
-TEST_F(BenchWindowTest, AControllerPulledOutFailsOnItsOwnRow) {
-    bus.unplugAfter(ids[5], 10);
-    auto window = open(QStringLiteral("English"));
-    fill(*window, QString());
-    ASSERT_TRUE(window->start());
-    ASSERT_TRUE(eventually([&] { return !window->running(); }, 60000));
-    for (int row = 0; row < 8; ++row)
-        EXPECT_EQ(cell(*window, row, 4).startsWith(QStringLiteral("Succeeded")), row != 5) << row;
-    EXPECT_EQ(cell(*window, 5, 4),
-              QStringLiteral("Failed (Full read) : Quorvel not responding (Time Out)"));
-    EXPECT_EQ(child<QLabel>(*window, "Resume")->text(), QStringLiteral("7 succeeded, 1 failed"));
-}
-
 TEST_F(BenchWindowTest, ClosingDuringARunStopsItAndReturnsOnceTheLinesHaveEnded) {
     int closed = 0;
     auto* window = new BenchWindow(bus, config, dialogs, QStringLiteral("English"));
@@ -164,37 +123,6 @@ TEST_F(BenchWindowTest, ClosingDuringARunStopsItAndReturnsOnceTheLinesHaveEnded)
     EXPECT_EQ(closed, 0); // still ending its lines
     ASSERT_TRUE(eventually([&] { return closed == 1; }, 10000));
     ASSERT_TRUE(eventually([&] { return alive.isNull(); }, 5000));
-}
-
-// Not a check: with QUORVEL_SCREENSHOT_DIR set, a picture of the window in
-// the middle of a run of eight controllers at the real pace (one of them
-// pulled out), for the README.
-TEST_F(BenchWindowTest, Screenshot) {
-    const QString folderName = qEnvironmentVariable("QUORVEL_SCREENSHOT_DIR");
-    if (folderName.isEmpty())
-        GTEST_SKIP() << "QUORVEL_SCREENSHOT_DIR not set";
-    bus.setRestartSilence(2000);
-    bus.unplugAfter(ids[5], 12);
-    for (size_t i = 0; i < ids.size(); ++i)
-        bus.modify(ids[i], [i](SimDevice& d) { d.setSerialNumber(90601200 + i); });
-    for (const QString& language : {QStringLiteral("English"), QStringLiteral("Français")}) {
-        auto window = open(language, true);
-        window->resize(820, 420);
-        ASSERT_TRUE(eventually([&] { return everyIdentityShown(*window); }, 10000));
-        fill(*window, QStringLiteral("90601300"));
-        ASSERT_TRUE(window->start());
-        QTest::qWait(1800);
-        const QString name = language == QStringLiteral("English") ? QStringLiteral("bench-en.png")
-                                                                   : QStringLiteral("bench-fr.png");
-        const QString path = QDir(folderName).filePath(name);
-        EXPECT_TRUE(window->grab().save(path)) << path.toStdString();
-        std::printf("saved %s\n", qUtf8Printable(path));
-        window->stop();
-        ASSERT_TRUE(eventually([&] { return !window->running(); }, 20000));
-        bus.replug(ids[5]);
-        bus.unplugAfter(ids[5], 12);
-        QTest::qWait(2500); // the restarted controllers come back
-    }
 }
 
 } // namespace
