@@ -195,12 +195,6 @@ protected:
         window->start();
         ASSERT_TRUE(settle(*window));
     }
-    // A handler run as the window runs it, waited for.
-    void run(void (MainScreenLogic::*handler)()) {
-        window->post(handler);
-        ASSERT_TRUE(settle(*window));
-    }
-
     QString text(const char* control) { return window->view().text(QString::fromLatin1(control)); }
     std::int32_t quorvelId() const { return bus->deviceIds().front(); }
 };

@@ -259,9 +259,24 @@ const Action kActions[] = {
            {QStringLiteral("Le n° de série n'est pas valide")}, MsgBox::OkOnly)
         .type("ValeurNumeroSerie", QStringLiteral("abc"))
         .then([](const SimDevice& d) { return d.serialNumber() == 90601234U; }),
+    // The serial is a signed 32-bit number written as its four bytes.
+    Action("ProgrammerTheLargestSerial", "Programmer", writes(16, 2147483647, 4) + kRestarts)
+        .type("ValeurNumeroSerie", QStringLiteral("2147483647"))
+        .then([](const SimDevice& d) { return d.serialNumber() == 2147483647U; }),
+    Action("ProgrammerMinusOneIsAllOnes", "Programmer", writes(16, -1, 4) + kRestarts)
+        .type("ValeurNumeroSerie", QStringLiteral("-1"))
+        .then([](const SimDevice& d) { return d.serialNumber() == 0xFFFFFFFFU; }),
+    Action("ProgrammerRefusesMoreThan32Bits", "Programmer", kRestarts,
+           {QStringLiteral("Le n° de série est trop grand (> 32 bits)")}, MsgBox::OkOnly)
+        .type("ValeurNumeroSerie", QStringLiteral("2147483648"))
+        .then([](const SimDevice& d) { return d.serialNumber() == 90601234U; }),
     // 7.2 V is 761.472 converter steps.
     Action("SeuilbatterieWritesTheRawThreshold", "Seuilbatterie", writes(45, 761, 2))
         .type("MinBat", QStringLiteral("7.2")),
+    Action("SeuilbatterieZero", "Seuilbatterie", writes(45, 0, 2))
+        .type("MinBat", QStringLiteral("0")),
+    Action("SeuilbatterieAboveTheConverter", "Seuilbatterie", writes(45, 1026, 2))
+        .type("MinBat", QStringLiteral("9.7")),
     Action("SeuilbatterieRefusesABadEntry", "Seuilbatterie", {},
            {QStringLiteral("Invalid entry: please type a number")}, MsgBox::Exclamation)
         .type("MinBat", QStringLiteral("x")),

@@ -45,37 +45,6 @@ protected:
     WidgetConsoleView view{&form};
 };
 
-TEST_F(WidgetConsoleViewTest, RowsKeepTheirItemDataInCombosAndLists) {
-    const std::vector<ConsoleView::Row> rows = {{QStringLiteral("January"), 1},
-                                                {QStringLiteral("March"), 3},
-                                                {QStringLiteral("Last"), 5.5}};
-    for (const char* control : {"Liste", "ListeB"}) {
-        SCOPED_TRACE(control);
-        const QString name = QString::fromLatin1(control);
-        view.setCurrentRow(name, 0);
-        view.setRows(name, rows);
-        // A refilled list has nothing chosen: the old control behaved so.
-        EXPECT_EQ(view.currentRow(name), -1);
-        const auto back = view.rows(name);
-        ASSERT_EQ(back.size(), rows.size());
-        for (size_t i = 0; i < rows.size(); ++i) {
-            EXPECT_EQ(back[i].text, rows[i].text);
-            EXPECT_DOUBLE_EQ(back[i].itemData, rows[i].itemData);
-        }
-        view.setCurrentRow(name, 1);
-        EXPECT_EQ(view.currentRow(name), 1);
-        EXPECT_EQ(view.text(name), QStringLiteral("March"));
-        view.setText(name, QStringLiteral("Last"));
-        EXPECT_EQ(view.currentRow(name), 2);
-        view.setRowText(name, 2, QStringLiteral("Dernière"));
-        EXPECT_EQ(view.text(name), QStringLiteral("Dernière"));
-        view.setRowText(name, 7, QStringLiteral("ignored"));
-        EXPECT_EQ(view.rows(name).size(), 3u);
-        view.setCurrentRow(name, 9);
-        EXPECT_EQ(view.currentRow(name), -1);
-    }
-}
-
 TEST_F(WidgetConsoleViewTest, StatesSetFromCodeRunNoHandler) {
     int handlers = 0;
     const auto count = [&] { ++handlers; };

@@ -44,29 +44,6 @@ protected:
     }
 };
 
-TEST_F(SeveralDevicesTest, CommissionOfFourPrintsALineEachAndASummary) {
-    const auto [o, out] =
-        run(QStringLiteral("devices=4,restartMs=0"),
-            {QStringLiteral("--device"), QStringLiteral("all"), QStringLiteral("commission"),
-             programme(), QStringLiteral("--order"), QStringLiteral("88"),
-             QStringLiteral("--serial-from"), QStringLiteral("700"),
-             QStringLiteral("--restart-wait"), QStringLiteral("0")});
-    ASSERT_EQ(o.status, 0) << o.err.toStdString();
-    ASSERT_EQ(out.size(), 5) << out.join(u'\n').toStdString();
-    QStringList serials;
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_TRUE(out[i].contains(QStringLiteral("  ok  "))) << out[i].toStdString();
-        serials << out[i].section(QStringLiteral("serial "), 1).section(u' ', 0, 0);
-    }
-    serials.sort();
-    EXPECT_EQ(serials, (QStringList{QStringLiteral("700"), QStringLiteral("701"),
-                                    QStringLiteral("702"), QStringLiteral("703")}));
-    EXPECT_EQ(out[4], QStringLiteral("4 controller(s): 4 succeeded, 0 failed"));
-    EXPECT_EQ(blocksIn(QStringLiteral("88.log")), 4);
-    // Not a terminal: plain status lines, one per change.
-    EXPECT_TRUE(o.err.contains(QStringLiteral(": [1/7] Full read\n")));
-}
-
 TEST_F(SeveralDevicesTest, AControllerPulledOutFailsAloneAndIsNamed) {
     const auto [o, out] = run(QStringLiteral("devices=3,restartMs=0,unplugAfter=20,serial=5000"),
                               {QStringLiteral("--json"), QStringLiteral("commission"), programme(),

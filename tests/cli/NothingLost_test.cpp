@@ -1,8 +1,8 @@
 // Failed exchanges, programmes the frames cannot carry, every kind of line
-// there and back, and hostile documents, tried through quorvelctl as a technician would: each run is a
-// separate process against a simulated controller kept in a state file, and
-// what counts is the exit status, the message, and that config.xml and the
-// controller's memory hold what they should afterwards.
+// there and back, and hostile documents, tried through quorvelctl as a technician would: each run
+// is a separate process against a simulated controller kept in a state file, and what counts is the
+// exit status, the message, and that config.xml and the controller's memory hold what they should
+// afterwards.
 #include "CliTestSupport.h"
 
 #include <QJsonArray>

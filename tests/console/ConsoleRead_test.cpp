@@ -68,42 +68,6 @@ TEST_F(ConsoleRead, AFullReadAsksInItsOrderAndShowsEverything) {
     EXPECT_FALSE(view.busy);
 }
 
-TEST_F(ConsoleRead, ADeadDeviceWalksToTheThresholdAndKeepsWhatItCannotRead) {
-    startWithDevice(90601234);
-    Conditions stored;
-    Condition line;
-    line.sortie = 3;
-    line.Jour = 8;
-    stored.Add(line);
-    SauveConditions(*config, stored);
-    const QString before = configText();
-    view.setText(QStringLiteral("ValeurManualAction"), QStringLiteral("300"));
-    const QString date = text("DateProgrammation");
-    const QString clock = text("txtCurrentTime");
-
-    bus.unplug(id);
-    logic->Lire_Click();
-
-    // Serial (stops at its first byte), identity, calibration number (4),
-    // clock speed, five counters, the rule (7), the delay (2), the
-    // threshold (2): one box each, and nothing of the programme.
-    EXPECT_EQ(boxTexts(), QStringList(1 + 1 + 4 + 1 + 5 + 7 + 2 + 2,
-                                      QStringLiteral("Quorvel not responding (Time Out)")));
-    EXPECT_EQ(configText(), before);
-    // What could not be read keeps the old text; what was read shows zeros.
-    QStringList shown;
-    for (const char* c : {"NumeroSerie", "Version", "Batterie", "ctn_text_0", "ValeurManualAction",
-                          "MinBat", "NomSortie"})
-        shown << text(c);
-    EXPECT_EQ(shown, (QStringList{"90601234", "(0) 0.00", "0,0", "0",
-                                  "2", // 0 refills to 2
-                                  ",", "Bistable valve 1"}));
-    EXPECT_EQ(view[QStringLiteral("ProgressBar3")].value, 0);
-    EXPECT_EQ(text("DateProgrammation"), date);
-    EXPECT_EQ(text("txtCurrentTime"), clock);
-    EXPECT_TRUE(state.TimeOut);
-}
-
 TEST_F(ConsoleRead, BatteryControlsFollowTheSerialNumber) {
     startWithDevice(1);
     for (const auto& [serial, shown] :
