@@ -80,12 +80,25 @@ TEST_F(QuorvelctlTest, ExitStatusTellsWhatWentWrong) {
     }
 }
 
-TEST_F(QuorvelctlTest, LostRepliesGiveTheLinkMessageAndStatusOne) {
-    link += QStringLiteral(",drop=3");
-    const Outcome r = run({QStringLiteral("value"), QStringLiteral("read"), QStringLiteral("0")});
-    EXPECT_EQ(r.status, 1);
-    EXPECT_TRUE(r.err.contains(QStringLiteral("(Time Out)"))) << r.err.toStdString();
-    EXPECT_EQ(r.err.count(QStringLiteral("(Time Out)")), 1);
+// A failed exchange makes the run fail even when a later one of the same
+// command goes through: the corrupted replies are the first read's only.
+TEST_F(QuorvelctlTest, AFailedExchangeGivesTheLinkMessageAndStatusOne) {
+    const std::tuple<const char*, QStringList, QString> cases[] = {
+        {",drop=3",
+         {QStringLiteral("value"), QStringLiteral("read"), QStringLiteral("0")},
+         QStringLiteral("(Time Out)")},
+        {",corrupt=3",
+         {QStringLiteral("eeprom"), QStringLiteral("read"), QStringLiteral("40"),
+          QStringLiteral("3")},
+         QStringLiteral("(CRC error)")},
+    };
+    const QString clean = link;
+    for (const auto& [faults, args, says] : cases) {
+        link = clean + QString::fromLatin1(faults);
+        const Outcome r = run(args);
+        EXPECT_EQ(r.status, 1) << faults << ": " << r.out.toStdString();
+        EXPECT_EQ(r.err.count(says), 1) << faults << ": " << r.err.toStdString();
+    }
 }
 
 } // namespace
