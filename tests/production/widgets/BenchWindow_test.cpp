@@ -1,5 +1,6 @@
 // The bench window against simulated controllers on the offscreen platform:
-// the real threads and the queued signals, the link's pauses shortened.
+// the real threads and the queued signals, the link's pauses shortened
+// (except for the pictures of the documentation, made at the real pace).
 #include "ProductionTestSupport.h"
 #include "RecordingDialogs.h"
 #include "link/FrameLink.h"
@@ -40,10 +41,12 @@ protected:
             ids.push_back(bus.addDevice(SimDeviceConfig{}));
     }
 
-    std::unique_ptr<BenchWindow> open(const QString& language) {
+    std::unique_ptr<BenchWindow> open(const QString& language, bool realPace = false) {
         auto window = std::make_unique<BenchWindow>(bus, config, dialogs, language);
-        window->setLinkSetup([](FrameLink& link) { link.setPause([](int) {}); });
-        window->setRestartWait(0);
+        if (!realPace) {
+            window->setLinkSetup([](FrameLink& link) { link.setPause([](int) {}); });
+            window->setRestartWait(0);
+        }
         window->show();
         window->refresh();
         return window;
@@ -123,6 +126,35 @@ TEST_F(BenchWindowTest, ClosingDuringARunStopsItAndReturnsOnceTheLinesHaveEnded)
     EXPECT_EQ(closed, 0); // still ending its lines
     ASSERT_TRUE(eventually([&] { return closed == 1; }, 10000));
     ASSERT_TRUE(eventually([&] { return alive.isNull(); }, 5000));
+}
+
+// The pictures of the documentation, when QUORVEL_SCREENSHOT_DIR names a folder.
+TEST_F(BenchWindowTest, Screenshot) {
+    const QString folderName = qEnvironmentVariable("QUORVEL_SCREENSHOT_DIR");
+    if (folderName.isEmpty())
+        GTEST_SKIP() << "QUORVEL_SCREENSHOT_DIR not set";
+    bus.setRestartSilence(2000);
+    bus.unplugAfter(ids[5], 12);
+    for (size_t i = 0; i < ids.size(); ++i)
+        bus.modify(ids[i], [i](SimDevice& d) { d.setSerialNumber(90601200 + i); });
+    for (const QString& language : {QStringLiteral("English"), QStringLiteral("Français")}) {
+        auto window = open(language, true);
+        window->resize(820, 420);
+        ASSERT_TRUE(eventually([&] { return everyIdentityShown(*window); }, 10000));
+        fill(*window, QStringLiteral("90601300"));
+        ASSERT_TRUE(window->start());
+        QTest::qWait(1800);
+        const QString name = language == QStringLiteral("English") ? QStringLiteral("bench-en.png")
+                                                                   : QStringLiteral("bench-fr.png");
+        const QString path = QDir(folderName).filePath(name);
+        EXPECT_TRUE(window->grab().save(path)) << path.toStdString();
+        std::printf("saved %s\n", qUtf8Printable(path));
+        window->stop();
+        ASSERT_TRUE(eventually([&] { return !window->running(); }, 20000));
+        bus.replug(ids[5]);
+        bus.unplugAfter(ids[5], 12);
+        QTest::qWait(2500); // the restarted controllers come back
+    }
 }
 
 } // namespace
