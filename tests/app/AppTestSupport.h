@@ -19,6 +19,7 @@
 #include <QFile>
 #include <QPointer>
 #include <QTemporaryDir>
+#include <atomic>
 #include <gtest/gtest.h>
 #include <memory>
 #include <ostream>
@@ -62,6 +63,53 @@ public:
     FrameLink link;
     Device device{link, [] { return QStringLiteral("Quorvel Absent"); }};
     DeviceWorker worker;
+};
+
+// Stands between the window's link and the simulator. It counts the handles
+// open at once: an exchange opens two and closes both, so more than two at
+// once means an exchange inside another. And it unplugs the device at the
+// transfer that comes after `writesLeft` more (-1: never).
+class WatchedBus : public Bus {
+public:
+    explicit WatchedBus(SimulatedBus& sim) : sim_(sim) {}
+
+    std::atomic<int> live{0};
+    std::atomic<int> mostLive{0};
+    std::atomic<int> writesLeft{-1};
+
+    int deviceCount() override { return sim_.deviceCount(); }
+    std::int32_t uniqueId(int index) override { return sim_.uniqueId(index); }
+    std::unique_ptr<BusHandle> open(std::int32_t id) override {
+        auto inner = sim_.open(id);
+        if (!inner)
+            return nullptr;
+        const int now = ++live;
+        int seen = mostLive;
+        while (now > seen && !mostLive.compare_exchange_weak(seen, now)) {
+        }
+        return std::make_unique<Handle>(*this, id, std::move(inner));
+    }
+
+private:
+    struct Handle : BusHandle {
+        Handle(WatchedBus& b, std::int32_t i, std::unique_ptr<BusHandle> h)
+            : bus(b), id(i), inner(std::move(h)) {}
+        ~Handle() override { --bus.live; }
+        bool write(const QByteArray& transfer) override {
+            if (bus.writesLeft == 0)
+                bus.sim_.unplug(id);
+            else if (bus.writesLeft > 0)
+                --bus.writesLeft;
+            return inner->write(transfer);
+        }
+        QByteArray read(int maxLength) override { return inner->read(maxLength); }
+        void cancel() override { inner->cancel(); }
+        int lastError() const override { return inner->lastError(); }
+        WatchedBus& bus;
+        std::int32_t id;
+        std::unique_ptr<BusHandle> inner;
+    };
+    SimulatedBus& sim_;
 };
 
 // Lets the window's jobs run until none is left, with the boxes and the view
@@ -147,12 +195,6 @@ protected:
         window->start();
         ASSERT_TRUE(settle(*window));
     }
-    // A handler run as the window runs it, waited for.
-    void run(void (MainScreenLogic::*handler)()) {
-        window->post(handler);
-        ASSERT_TRUE(settle(*window));
-    }
-
     QString text(const char* control) { return window->view().text(QString::fromLatin1(control)); }
     std::int32_t quorvelId() const { return bus->deviceIds().front(); }
 };

@@ -9,50 +9,11 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QTest>
-#include <atomic>
-#include <mutex>
 
 namespace qv::test {
 namespace {
 
 constexpr int kSlowReadMs = 250;
-
-// Stands between the window's link and the simulator and watches the
-// handles: an exchange opens two and closes both, so more than two at once
-// means an exchange inside another.
-class WatchedBus : public Bus {
-public:
-    explicit WatchedBus(Bus& inner) : inner_(inner) {}
-
-    std::atomic<int> live{0};
-    std::atomic<int> mostLive{0};
-
-    int deviceCount() override { return inner_.deviceCount(); }
-    std::int32_t uniqueId(int index) override { return inner_.uniqueId(index); }
-    std::unique_ptr<BusHandle> open(std::int32_t id) override {
-        auto handle = inner_.open(id);
-        if (!handle)
-            return nullptr;
-        const int now = ++live;
-        int seen = mostLive;
-        while (now > seen && !mostLive.compare_exchange_weak(seen, now)) {
-        }
-        return std::make_unique<Handle>(*this, std::move(handle));
-    }
-
-private:
-    struct Handle : BusHandle {
-        Handle(WatchedBus& b, std::unique_ptr<BusHandle> h) : bus(b), inner(std::move(h)) {}
-        ~Handle() override { --bus.live; }
-        bool write(const QByteArray& t) override { return inner->write(t); }
-        QByteArray read(int n) override { return inner->read(n); }
-        void cancel() override { inner->cancel(); }
-        int lastError() const override { return inner->lastError(); }
-        WatchedBus& bus;
-        std::unique_ptr<BusHandle> inner;
-    };
-    Bus& inner_;
-};
 
 class DeviceThreadTest : public WindowFixture {
 protected:

@@ -13,7 +13,6 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
-#include <atomic>
 #include <functional>
 
 namespace qv::test {
@@ -26,46 +25,11 @@ const qint64 kNowSeconds = QDateTime(kNow.date(), kNow.time(), Qt::UTC).toSecsSi
 const char* const kRuleCombos[] = {"Semaine_0", "Jour_0", "Mois_0", "Heure_0",
                                    "Semaine_1", "Jour_1", "Mois_1", "Heure_1"};
 
-// The bus as the window sees it, with a device that can be made to die: it is
-// unplugged at the transfer that comes after `writesLeft` more (-1: never).
-class DyingBus : public Bus {
-public:
-    explicit DyingBus(SimulatedBus& sim) : sim_(sim) {}
-    std::atomic<int> writesLeft{-1};
-
-    int deviceCount() override { return sim_.deviceCount(); }
-    std::int32_t uniqueId(int index) override { return sim_.uniqueId(index); }
-    std::unique_ptr<BusHandle> open(std::int32_t id) override {
-        auto inner = sim_.open(id);
-        return inner ? std::make_unique<Handle>(*this, id, std::move(inner)) : nullptr;
-    }
-
-private:
-    struct Handle : BusHandle {
-        Handle(DyingBus& b, std::int32_t i, std::unique_ptr<BusHandle> h)
-            : bus(b), id(i), inner(std::move(h)) {}
-        bool write(const QByteArray& transfer) override {
-            if (bus.writesLeft == 0)
-                bus.sim_.unplug(id);
-            else if (bus.writesLeft > 0)
-                --bus.writesLeft;
-            return inner->write(transfer);
-        }
-        QByteArray read(int maxLength) override { return inner->read(maxLength); }
-        void cancel() override { inner->cancel(); }
-        int lastError() const override { return inner->lastError(); }
-        DyingBus& bus;
-        std::int32_t id;
-        std::unique_ptr<BusHandle> inner;
-    };
-    SimulatedBus& sim_;
-};
-
 // The window over the demonstration controller behind that bus, with a fixed
 // clock and numbers written with a decimal point.
 class ActionsFixture : public WindowFixture {
 protected:
-    DyingBus dying{*bus};
+    WatchedBus dying{*bus};
     QTimer watcher;
 
     void SetUp() override {
@@ -295,9 +259,24 @@ const Action kActions[] = {
            {QStringLiteral("Le n° de série n'est pas valide")}, MsgBox::OkOnly)
         .type("ValeurNumeroSerie", QStringLiteral("abc"))
         .then([](const SimDevice& d) { return d.serialNumber() == 90601234U; }),
+    // The serial is a signed 32-bit number written as its four bytes.
+    Action("ProgrammerTheLargestSerial", "Programmer", writes(16, 2147483647, 4) + kRestarts)
+        .type("ValeurNumeroSerie", QStringLiteral("2147483647"))
+        .then([](const SimDevice& d) { return d.serialNumber() == 2147483647U; }),
+    Action("ProgrammerMinusOneIsAllOnes", "Programmer", writes(16, -1, 4) + kRestarts)
+        .type("ValeurNumeroSerie", QStringLiteral("-1"))
+        .then([](const SimDevice& d) { return d.serialNumber() == 0xFFFFFFFFU; }),
+    Action("ProgrammerRefusesMoreThan32Bits", "Programmer", kRestarts,
+           {QStringLiteral("Le n° de série est trop grand (> 32 bits)")}, MsgBox::OkOnly)
+        .type("ValeurNumeroSerie", QStringLiteral("2147483648"))
+        .then([](const SimDevice& d) { return d.serialNumber() == 90601234U; }),
     // 7.2 V is 761.472 converter steps.
     Action("SeuilbatterieWritesTheRawThreshold", "Seuilbatterie", writes(45, 761, 2))
         .type("MinBat", QStringLiteral("7.2")),
+    Action("SeuilbatterieZero", "Seuilbatterie", writes(45, 0, 2))
+        .type("MinBat", QStringLiteral("0")),
+    Action("SeuilbatterieAboveTheConverter", "Seuilbatterie", writes(45, 1026, 2))
+        .type("MinBat", QStringLiteral("9.7")),
     Action("SeuilbatterieRefusesABadEntry", "Seuilbatterie", {},
            {QStringLiteral("Invalid entry: please type a number")}, MsgBox::Exclamation)
         .type("MinBat", QStringLiteral("x")),

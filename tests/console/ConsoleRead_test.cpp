@@ -1,3 +1,5 @@
+// The main window's logic reading a simulated controller: the order of the
+// requests, the texts the raw values become, and what a dead device leaves.
 #include "ConsoleTestSupport.h"
 
 #include "config/DateHelpers.h"
@@ -66,65 +68,6 @@ TEST_F(ConsoleRead, AFullReadAsksInItsOrderAndShowsEverything) {
     EXPECT_FALSE(view.busy);
 }
 
-TEST_F(ConsoleRead, LireStopsTheContinuousCycleAndSendsAFastClockBack) {
-    startWithDevice();
-    view.setChecked(QStringLiteral("Continu"), true);
-    logic->Continu_Click();
-    ASSERT_TRUE(host.timerEntree);
-    host.calls.clear();
-    bus.clearTrace();
-    bus.modify(id, [](SimDevice& d) { d.setFastClock(true); });
-    logic->Lire_Click();
-    EXPECT_FALSE(view.isChecked(QStringLiteral("Continu")));
-    EXPECT_FALSE(host.timerEntree);
-    EXPECT_EQ(host.calls.first(), QStringLiteral("stopTimerEntree"));
-    EXPECT_EQ(view.focus, QStringLiteral("Lire"));
-    // A fast clock read is sent back like a click, once.
-    EXPECT_TRUE(view.isChecked(QStringLiteral("CheckClockSpeed")));
-    const QStringList frames = requests();
-    ASSERT_GE(frames.indexOf(QStringLiteral("F3 0 0")), 0);
-    EXPECT_EQ(frames.value(frames.indexOf(QStringLiteral("F3 0 0")) + 1), QStringLiteral("F3 1 1"));
-    bus.clearTrace();
-    logic->Lire_Click();
-    EXPECT_EQ(requests().count(QStringLiteral("F3 1 1")), 0);
-}
-
-TEST_F(ConsoleRead, ADeadDeviceWalksToTheThresholdAndKeepsWhatItCannotRead) {
-    startWithDevice(90601234);
-    Conditions stored;
-    Condition line;
-    line.sortie = 3;
-    line.Jour = 8;
-    stored.Add(line);
-    SauveConditions(*config, stored);
-    const QString before = configText();
-    view.setText(QStringLiteral("ValeurManualAction"), QStringLiteral("300"));
-    const QString date = text("DateProgrammation");
-    const QString clock = text("txtCurrentTime");
-
-    bus.unplug(id);
-    logic->Lire_Click();
-
-    // Serial (stops at its first byte), identity, calibration number (4),
-    // clock speed, five counters, the rule (7), the delay (2), the
-    // threshold (2): one box each, and nothing of the programme.
-    EXPECT_EQ(boxTexts(), QStringList(1 + 1 + 4 + 1 + 5 + 7 + 2 + 2,
-                                      QStringLiteral("Quorvel not responding (Time Out)")));
-    EXPECT_EQ(configText(), before);
-    // What could not be read keeps the old text; what was read shows zeros.
-    QStringList shown;
-    for (const char* c : {"NumeroSerie", "Version", "Batterie", "ctn_text_0", "ValeurManualAction",
-                          "MinBat", "NomSortie"})
-        shown << text(c);
-    EXPECT_EQ(shown, (QStringList{"90601234", "(0) 0.00", "0,0", "0",
-                                  "2", // 0 refills to 2
-                                  ",", "Bistable valve 1"}));
-    EXPECT_EQ(view[QStringLiteral("ProgressBar3")].value, 0);
-    EXPECT_EQ(text("DateProgrammation"), date);
-    EXPECT_EQ(text("txtCurrentTime"), clock);
-    EXPECT_TRUE(state.TimeOut);
-}
-
 TEST_F(ConsoleRead, BatteryControlsFollowTheSerialNumber) {
     startWithDevice(1);
     for (const auto& [serial, shown] :
@@ -165,6 +108,47 @@ TEST_F(ConsoleRead, RawValuesBecomeTheirTexts) {
         EXPECT_EQ(text("ValeurManualAction"), QString::fromUtf8(c.delai));
         EXPECT_EQ(text("MinBat"), QString::fromUtf8(c.seuil));
         EXPECT_TRUE(requests().contains(QStringLiteral("F1"))); // the read went to its end
+    }
+}
+
+TEST_F(ConsoleRead, TheCycleJudgesByTheLastExchangeOfItsRound) {
+    // A round is four exchanges of up to three tries each. The flags are
+    // those of the last exchange, so a bad clock reply alone goes by.
+    for (const auto& [corrupted, keepsRunning, boxes] :
+         {std::tuple{3, true, 1u}, std::tuple{12, false, 4u}}) {
+        SCOPED_TRACE(corrupted);
+        restart();
+        startWithDevice();
+        view.setChecked(QStringLiteral("Continu"), true);
+        logic->Continu_Click();
+        dialogs.clear();
+        bus.corruptReplies(id, corrupted);
+        logic->TimerEntree_Timer();
+        EXPECT_EQ(host.timerEntree, keepsRunning);
+        EXPECT_EQ(view.isChecked(QStringLiteral("Continu")), keepsRunning);
+        EXPECT_EQ(boxTexts(), QStringList(boxes, "Quorvel not responding (CRC error)"));
+        // Unticking stops without reading.
+        bus.clearTrace();
+        view.setChecked(QStringLiteral("Continu"), false);
+        logic->Continu_Click();
+        EXPECT_FALSE(host.timerEntree);
+        EXPECT_TRUE(requests().isEmpty());
+    }
+}
+
+TEST_F(ConsoleRead, TheManualDelayBoxHoldsItsLimits) {
+    for (const auto& [typed, kept] : {std::pair{"1", "2"},
+                                      {"a", "2"},
+                                      {"", "2"},
+                                      {"-5", "2"},
+                                      {"65536", "65535"},
+                                      {"300", "300"},
+                                      {"65535", "65535"},
+                                      {"2", "2"},
+                                      {"2,5", "2,5"}}) {
+        view[QStringLiteral("ValeurManualAction")].text = QString::fromUtf8(typed);
+        logic->ValeurManualAction_Change();
+        EXPECT_EQ(text("ValeurManualAction"), QString::fromUtf8(kept)) << typed;
     }
 }
 

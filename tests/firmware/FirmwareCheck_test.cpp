@@ -88,36 +88,6 @@ TEST_F(FirmwareCheckTest, FirmwareVersionReadWithTheMachineDecimalSeparator) {
     EXPECT_EQ(c.text, QStringLiteral("2,70 : ") + kInvalidVersionText);
 }
 
-TEST(FirmwareCommandLine, FirmwareLoaderLineIsBuiltPieceByPiece) {
-    struct Case {
-        QString appDir;
-        QString langue;
-        std::int32_t usbId;
-        QString path;
-        QString expected;
-    };
-    const Case cases[] = {
-        {QStringLiteral("/opt/quorvel"), QStringLiteral("English"), 1509949441,
-         QStringLiteral("/fw/QUORVEL_V2.70.hex"),
-         QStringLiteral("/opt/quorvel\\LOADSTAGE_K_V318.exe LANGUE=English "
-                        ";device=quorvel;try_both;USBID=1509949441;prg=/fw/QUORVEL_V2.70.hex;"
-                        "firmware=270")},
-        {QStringLiteral("/opt/quorvel/"), QStringLiteral("Français"), -5,
-         QStringLiteral("/my fw/QUORVEL_V2.70.hex"),
-         QStringLiteral("/opt/quorvel\\LOADSTAGE_K_V318.exe LANGUE=Français "
-                        ";device=quorvel;try_both;USBID=-5;prg=/my fw/QUORVEL_V2.70.hex;"
-                        "firmware=270")},
-        {QStringLiteral("C:\\Tools\\"), QStringLiteral("English"), 1,
-         QStringLiteral("C:\\fw\\QUORVEL_V2.70.hex"),
-         QStringLiteral("C:\\Tools\\LOADSTAGE_K_V318.exe LANGUE=English "
-                        ";device=quorvel;try_both;USBID=1;prg=C:\\fw\\QUORVEL_V2.70.hex;"
-                        "firmware=270")},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(loaderCommandLine(c.appDir, c.langue, c.usbId, c.path, QStringLiteral("270")),
-                  c.expected);
-}
-
 TEST(FirmwareFilter, FirmwareDialogFiltersInQtForm) {
     EXPECT_EQ(qtDialogFilter(kFirmwareDialogFilter), QStringLiteral("INHEX32 Files (*.HEX *.hex)"));
     EXPECT_EQ(qtDialogFilter(QStringLiteral("Log Files (*.LOG)|*.LOG")),

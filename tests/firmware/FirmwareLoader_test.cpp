@@ -1,9 +1,7 @@
 #include "FirmwareTestSupport.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFileInfo>
-#include <QThread>
 
 namespace qv::test {
 namespace {
@@ -29,17 +27,6 @@ const QByteArray kRecordingLoader =
     "out=\"$(dirname \"$0\")/argv.txt\"\n"
     "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$out.part\"\n"
     "mv \"$out.part\" \"$out\"\n";
-
-QStringList waitForArguments(const QString& path) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!QFileInfo::exists(path) && timer.elapsed() < 10000)
-        QThread::msleep(20);
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly))
-        return {QStringLiteral("<no argv.txt>")};
-    return QString::fromUtf8(f.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
 
 TEST(FirmwareLoader, FirmwareLoaderArgumentsAreTheLineSplitAtBlanks) {
     struct Case {
@@ -74,71 +61,38 @@ TEST(FirmwareLoader, FirmwareLoaderArgumentsAreTheLineSplitAtBlanks) {
 }
 
 TEST(FirmwareLoader, FirmwareLoaderFoundByKind) {
+    // A file is "" (absent), "script", "windows"; "+x" makes it executable.
     struct Case {
         const char* name;
-        QByteArray native; // empty: no such file
-        bool nativeExecutable;
-        QByteArray exe;
-        bool exeExecutable;
+        QString native;
+        QString exe;
         QString wine;
         QString program; // relative to the folder, or absolute; empty: nothing starts
         bool throughWine;
     };
-    const QByteArray windows = QByteArray("MZ\x90\x00", 4);
+    const QString wine = QStringLiteral("/usr/bin/wine");
     const Case cases[] = {
-        {"native loader first", kRecordingLoader, true, windows, false,
-         QStringLiteral("/usr/bin/wine"), QStringLiteral("LOADSTAGE_K_V318"), false},
-        {"windows loader through wine",
-         {},
-         false,
-         windows,
-         false,
-         QStringLiteral("/usr/bin/wine"),
-         QStringLiteral("/usr/bin/wine"),
-         true},
-        {"windows loader without wine", {}, false, windows, true, QString(), QString(), false},
-        {"script named .exe runs itself",
-         {},
-         false,
-         kRecordingLoader,
-         true,
-         QString(),
-         QStringLiteral("LOADSTAGE_K_V318.exe"),
-         false},
-        {"script named .exe, not executable",
-         {},
-         false,
-         kRecordingLoader,
-         false,
-         QString(),
-         QString(),
-         false},
-        {"native file not executable, no exe",
-         kRecordingLoader,
-         false,
-         {},
-         false,
-         QString(),
-         QString(),
-         false},
-        {"no loader at all",
-         {},
-         false,
-         {},
-         false,
-         QStringLiteral("/usr/bin/wine"),
-         QString(),
-         false},
+        {"native loader first", "script+x", "windows", wine, "LOADSTAGE_K_V318", false},
+        {"windows loader through wine", "", "windows", wine, wine, true},
+        {"windows loader without wine", "", "windows+x", "", "", false},
+        {"script named .exe runs itself", "", "script+x", "", "LOADSTAGE_K_V318.exe", false},
+        {"script named .exe, not executable", "", "script", "", "", false},
+        {"native file not executable, no exe", "script", "", "", "", false},
+        {"no loader at all", "", "", wine, "", false},
+    };
+    const auto make = [](const QString& path, const QString& kind) {
+        if (!kind.isEmpty())
+            writeFile(path,
+                      kind.startsWith(QLatin1String("script")) ? kRecordingLoader
+                                                               : QByteArray("MZ\x90\x00", 4),
+                      kind.endsWith(QLatin1String("+x")));
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         QTemporaryDir dir;
         ASSERT_TRUE(dir.isValid());
-        if (!c.native.isEmpty())
-            writeFile(dir.filePath(QStringLiteral("LOADSTAGE_K_V318")), c.native,
-                      c.nativeExecutable);
-        if (!c.exe.isEmpty())
-            writeFile(dir.filePath(QStringLiteral("LOADSTAGE_K_V318.exe")), c.exe, c.exeExecutable);
+        make(dir.filePath(QStringLiteral("LOADSTAGE_K_V318")), c.native);
+        make(dir.filePath(QStringLiteral("LOADSTAGE_K_V318.exe")), c.exe);
         const QString line =
             dir.path() + QStringLiteral("\\LOADSTAGE_K_V318.exe LANGUE=English ;prg=x");
         const LoaderPlan plan = planLoaderStart(dir.path(), line, [&](const QString& name) {
@@ -158,24 +112,6 @@ TEST(FirmwareLoader, FirmwareLoaderFoundByKind) {
             arguments.prepend(dir.filePath(QStringLiteral("LOADSTAGE_K_V318.exe")));
         EXPECT_EQ(plan.invocation->arguments, arguments);
     }
-}
-
-TEST(FirmwareLoader, FirmwareStandInLoaderReceivesTheLine) {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    writeFile(dir.filePath(QStringLiteral("LOADSTAGE_K_V318")), kRecordingLoader, true);
-    QStringList diagnostics;
-    NativeLoaderStarter starter(dir.path(), [&](const QString& l) { diagnostics << l; });
-
-    const QString line =
-        loaderCommandLine(dir.path(), QStringLiteral("English"), 1509949441,
-                          QStringLiteral("/srv/fw/QUORVEL_V2.70.hex"), QStringLiteral("270"));
-    starter.start(line);
-    EXPECT_EQ(waitForArguments(dir.filePath(QStringLiteral("argv.txt"))),
-              (QStringList{QStringLiteral("LANGUE=English"),
-                           QStringLiteral(";device=quorvel;try_both;USBID=1509949441;prg=/srv/fw/"
-                                          "QUORVEL_V2.70.hex;firmware=270")}));
-    EXPECT_TRUE(diagnostics.isEmpty());
 }
 
 TEST(FirmwareLoader, FirmwareMissingLoaderOnlyLeavesADiagnostic) {

@@ -1,5 +1,4 @@
-// The panel in a window: View > Exchanges, captions from config.xml in both
-// languages, the filter, and a trace saved and opened again.
+// The panel in a window: a trace saved and opened again.
 #include "RecordingDialogs.h"
 #include "SimulatedBus.h"
 #include "config/ConfigDocument.h"
@@ -55,60 +54,7 @@ protected:
     template <typename T> T* child(const char* name) {
         return window.findChild<T*>(QString::fromLatin1(name));
     }
-
-    QString header(int column) {
-        return panel->table().model()->headerData(column, Qt::Horizontal).toString();
-    }
 };
-
-TEST_F(PanelTest, ViewExchangesOpensTheHiddenPanel) {
-    auto* view = child<QMenu>("mnuView");
-    ASSERT_NE(view, nullptr);
-    // Placed before the last menu, the window's "?".
-    EXPECT_EQ(window.menuBar()->actions().last()->menu()->objectName(), QStringLiteral("mnuAide"));
-    QAction* exchanges = child<QAction>("mnuExchanges");
-    ASSERT_NE(exchanges, nullptr);
-    EXPECT_TRUE(view->actions().contains(exchanges));
-    window.show();
-    EXPECT_FALSE(panel->isVisible());
-    exchanges->trigger();
-    EXPECT_TRUE(panel->isVisible());
-    exchanges->trigger();
-    EXPECT_FALSE(panel->isVisible());
-}
-
-TEST_F(PanelTest, CaptionsFollowTheLanguage) {
-    struct Case {
-        const char* language;
-        const char* view;
-        const char* clear;
-        const char* time;
-        const char* answered;
-    };
-    device.LitEEprom(40);
-    panel->feed().drain();
-    const Case cases[] = {{"English", "View", "Clear", "Time", "answered"},
-                          {"Français", "Affichage", "Effacer", "Heure", "répondu"}};
-    for (const Case& c : cases) {
-        language = QString::fromUtf8(c.language);
-        panel->retranslate();
-        EXPECT_EQ(child<QMenu>("mnuView")->title(), QString::fromUtf8(c.view));
-        EXPECT_EQ(child<QPushButton>("cmdClear")->text(), QString::fromUtf8(c.clear));
-        EXPECT_EQ(header(ExchangeTableModel::Time), QString::fromUtf8(c.time));
-        EXPECT_EQ(panel->table().model()->index(0, ExchangeTableModel::Status).data().toString(),
-                  QString::fromUtf8(c.answered));
-    }
-}
-
-TEST_F(PanelTest, TheFilterNarrowsTheList) {
-    for (int address : {40, 41, 16})
-        device.LitEEprom(address);
-    panel->feed().drain();
-    child<QLineEdit>("txtFilter")->setText(QStringLiteral("COUNTER"));
-    EXPECT_EQ(panel->table().model()->rowCount(), 2);
-    child<QLineEdit>("txtFilter")->clear();
-    EXPECT_EQ(panel->table().model()->rowCount(), 3);
-}
 
 TEST_F(PanelTest, ASavedTraceOpensAsTheSameExchanges) {
     sim.dropReplies(state.UsbID, 1);

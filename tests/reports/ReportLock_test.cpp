@@ -15,32 +15,6 @@
 namespace qv {
 namespace {
 
-TEST(ReportLock, AnAppendWaitsForTheLockAnotherHolds) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("1.log"));
-    QFile holder(path);
-    ASSERT_TRUE(holder.open(QIODevice::WriteOnly | QIODevice::Append));
-    ASSERT_EQ(::flock(holder.handle(), LOCK_EX), 0);
-
-    std::atomic<bool> done = false;
-    std::thread writer([&] {
-        appendReport(path, {QStringLiteral("a"), QStringLiteral("b")});
-        done = true;
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    EXPECT_FALSE(done.load());
-    EXPECT_EQ(QFileInfo(path).size(), 0);
-    // Another writer's block goes in whole while the lock is held ...
-    holder.write("held\r\n");
-    holder.flush();
-    ::flock(holder.handle(), LOCK_UN);
-    writer.join();
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    // ... and the waiting one after it.
-    EXPECT_EQ(f.readAll(), QByteArray("held\r\na\r\nb\r\n"));
-}
-
 TEST(ReportLock, ManyThreadsAppendingGiveWholeBlocks) {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("2.log"));

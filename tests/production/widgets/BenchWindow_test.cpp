@@ -1,6 +1,6 @@
 // The bench window against simulated controllers on the offscreen platform:
 // the real threads and the queued signals, the link's pauses shortened
-// (except for the screenshot, which runs at the real pace).
+// (except for the pictures of the documentation, made at the real pace).
 #include "ProductionTestSupport.h"
 #include "RecordingDialogs.h"
 #include "link/FrameLink.h"
@@ -108,44 +108,6 @@ TEST_F(BenchWindowTest, EightControllersRunAtOnceAndEachRowEndsWithItsSerial) {
     EXPECT_TRUE(dialogs.boxes().empty());
 }
 
-TEST_F(BenchWindowTest, CaptionsAndStatesComeInTheLanguageInUse) {
-    struct Case {
-        QString language, start, modelHeader, waiting, programmeFileRefused;
-    };
-    const Case cases[] = {
-        {QStringLiteral("English"), QStringLiteral("Start"), QStringLiteral("Model"),
-         QStringLiteral("Waiting"), QStringLiteral("Choose a programme file (*.prg)")},
-        {QStringLiteral("Français"), QStringLiteral("Démarrer"), QStringLiteral("Modèle"),
-         QStringLiteral("En attente"), QStringLiteral("Choisissez un fichier programme (*.prg)")},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.language.toStdString());
-        dialogs.clear();
-        auto window = open(c.language);
-        EXPECT_EQ(child<QPushButton>(*window, "Demarrer")->text(), c.start);
-        EXPECT_EQ(table(*window)->horizontalHeaderItem(1)->text(), c.modelHeader);
-        EXPECT_EQ(cell(*window, 0, 4), c.waiting);
-        // No file: refused with a box, nothing started.
-        EXPECT_FALSE(window->start());
-        ASSERT_EQ(dialogs.boxes().size(), 1u);
-        EXPECT_EQ(dialogs.boxes()[0].text, c.programmeFileRefused);
-        window->close();
-    }
-}
-
-TEST_F(BenchWindowTest, AControllerPulledOutFailsOnItsOwnRow) {
-    bus.unplugAfter(ids[5], 10);
-    auto window = open(QStringLiteral("English"));
-    fill(*window, QString());
-    ASSERT_TRUE(window->start());
-    ASSERT_TRUE(eventually([&] { return !window->running(); }, 60000));
-    for (int row = 0; row < 8; ++row)
-        EXPECT_EQ(cell(*window, row, 4).startsWith(QStringLiteral("Succeeded")), row != 5) << row;
-    EXPECT_EQ(cell(*window, 5, 4),
-              QStringLiteral("Failed (Full read) : Quorvel not responding (Time Out)"));
-    EXPECT_EQ(child<QLabel>(*window, "Resume")->text(), QStringLiteral("7 succeeded, 1 failed"));
-}
-
 TEST_F(BenchWindowTest, ClosingDuringARunStopsItAndReturnsOnceTheLinesHaveEnded) {
     int closed = 0;
     auto* window = new BenchWindow(bus, config, dialogs, QStringLiteral("English"));
@@ -166,9 +128,7 @@ TEST_F(BenchWindowTest, ClosingDuringARunStopsItAndReturnsOnceTheLinesHaveEnded)
     ASSERT_TRUE(eventually([&] { return alive.isNull(); }, 5000));
 }
 
-// Not a check: with QUORVEL_SCREENSHOT_DIR set, a picture of the window in
-// the middle of a run of eight controllers at the real pace (one of them
-// pulled out), for the README.
+// The pictures of the documentation, when QUORVEL_SCREENSHOT_DIR names a folder.
 TEST_F(BenchWindowTest, Screenshot) {
     const QString folderName = qEnvironmentVariable("QUORVEL_SCREENSHOT_DIR");
     if (folderName.isEmpty())

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "config/ConfigDocument.h"
+#include "programme/Conditions.h"
+#include "programme/ProgrammeStore.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QStringList>
+#include <gtest/gtest.h>
+
+namespace qv::test {
+
+// One quorvelctl run as a technician makes it, in a process of its own.
+struct Outcome {
+    int status = -1;
+    QProcess::ExitStatus exit = QProcess::CrashExit;
+    QString out;
+    QString err;
+    qint64 elapsedMs = 0;
+
+    QStringList lines() const { return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
+};
+
+inline Outcome quorvelctl(const QStringList& args, int timeoutMs = 60000) {
+    QProcess process;
+    QElapsedTimer timer;
+    timer.start();
+    process.start(QStringLiteral(QUORVELCTL_PATH), args);
+    if (!process.waitForFinished(timeoutMs)) {
+        ADD_FAILURE() << "quorvelctl " << args.join(QLatin1Char(' ')).toStdString() << " hung";
+        process.kill();
+        process.waitForFinished();
+    }
+    return {process.exitCode(), process.exitStatus(),
+            QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError()), timer.elapsed()};
+}
+
+inline QByteArray readAll(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline void writeAll(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+// A programme file as the editor saves one: a copy of config.xml with these
+// lines.
+inline QString programmeFile(const QString& path, const Conditions& lines) {
+    QFile::remove(path);
+    EXPECT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), path));
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    SauveConditions(ConfigDocument(path), lines);
+    return path;
+}
+
+} // namespace qv::test
