@@ -68,20 +68,6 @@ TEST_F(ConsoleRead, AFullReadAsksInItsOrderAndShowsEverything) {
     EXPECT_FALSE(view.busy);
 }
 
-TEST_F(ConsoleRead, BatteryControlsFollowTheSerialNumber) {
-    startWithDevice(1);
-    for (const auto& [serial, shown] :
-         {std::pair{90600999u, false}, {90601000u, true}, {1u, false}, {90600999u, false}}) {
-        bus.modify(id, [&](SimDevice& d) { d.setSerialNumber(serial); });
-        EXPECT_TRUE(logic->AfficheNumeroSerie());
-        for (const char* c : {"LabelBatterie", "Batterie", "ProgressBar3", "VMIN", "VMAX"})
-            EXPECT_EQ(view.isVisible(QString::fromLatin1(c)), shown) << serial << " " << c;
-        EXPECT_EQ(text("NumeroSerie"), QString::number(serial));
-    }
-    bus.modify(id, [](SimDevice& d) { d.setSerialNumber(0); });
-    EXPECT_FALSE(logic->AfficheNumeroSerie());
-}
-
 TEST_F(ConsoleRead, RawValuesBecomeTheirTexts) {
     struct Case {
         int battery, low9, high10, low45, high46;

@@ -41,18 +41,6 @@ protected:
     QuietListener listener;
 };
 
-TEST_F(ProductionRunTest, StopBeforeTheFirstStepTouchesNoController) {
-    const auto outcomes = run(1, true);
-    for (const CommissionOutcome& o : outcomes) {
-        EXPECT_FALSE(o.ok);
-        EXPECT_EQ(o.reached, CommissionStep::FullRead);
-        EXPECT_EQ(o.failure, QStringLiteral("Stopped"));
-    }
-    for (std::int32_t id : ids)
-        EXPECT_TRUE(bus.traceLines(id).isEmpty());
-    EXPECT_FALSE(QFile::exists(folder.logPath(QStringLiteral("4711"))));
-}
-
 TEST_F(ProductionRunTest, TheReportsAndMessagesAreInTheLanguageOfTheBench) {
     bus.unplugAfter(ids[1], 0);
     const auto outcomes = run(std::nullopt, false, QStringLiteral("Français"));
