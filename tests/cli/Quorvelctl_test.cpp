@@ -54,6 +54,15 @@ TEST_F(QuorvelctlTest, MemoryWrittenInOneRunIsReadInTheNext) {
     EXPECT_EQ(json.out.trimmed(), QStringLiteral("{\"address\":16,\"values\":[210,4,0,0]}"));
 }
 
+TEST_F(QuorvelctlTest, TheClockSetInOneRunIsReadInTheNext) {
+    const Outcome set = run({QStringLiteral("clock"), QStringLiteral("set")});
+    ASSERT_EQ(set.status, 0) << set.err.toStdString();
+    EXPECT_EQ(set.out, QStringLiteral("Date and time set\n"));
+    const Outcome read = run({QStringLiteral("clock"), QStringLiteral("read")});
+    EXPECT_TRUE(read.out.startsWith(QDate::currentDate().toString(QStringLiteral("dd/MM/yy - "))))
+        << read.out.toStdString();
+}
+
 TEST_F(QuorvelctlTest, ExitStatusTellsWhatWentWrong) {
     struct Case {
         QStringList args;
