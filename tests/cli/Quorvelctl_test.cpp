@@ -63,6 +63,20 @@ TEST_F(QuorvelctlTest, TheClockSetInOneRunIsReadInTheNext) {
         << read.out.toStdString();
 }
 
+TEST_F(QuorvelctlTest, TheStoredProgrammePrintsAsAPdfAndAnUnknownLanguageIsRefused) {
+    const QString pdf = dir.filePath(QStringLiteral("programme.pdf"));
+    const Outcome printed =
+        run({QStringLiteral("programme"), QStringLiteral("print"), QStringLiteral("--pdf"), pdf});
+    ASSERT_EQ(printed.status, 0) << printed.err.toStdString();
+    EXPECT_TRUE(readAll(pdf).startsWith("%PDF-")); // its text is checked where the page is drawn
+    const Outcome refused = run({QStringLiteral("programme"), QStringLiteral("print"),
+                                 QStringLiteral("--pdf"), dir.filePath(QStringLiteral("x.pdf")),
+                                 QStringLiteral("--language"), QStringLiteral("Deutsch")});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_TRUE(refused.err.contains(QStringLiteral("English, Français")))
+        << refused.err.toStdString();
+}
+
 TEST_F(QuorvelctlTest, ExitStatusTellsWhatWentWrong) {
     struct Case {
         QStringList args;

@@ -43,10 +43,7 @@ TEST_F(FirmwareUpdateTest, FirmwareRefusalsShowOneBoxAndStartNothing) {
     const Case cases[] = {
         {QStringLiteral("/fw/QUORVEL_V2.69.hex"),
          QStringLiteral("/fw/QUORVEL_V2.69.hex : \r\n") + kBelowFloorText, QStringLiteral("48"), 0},
-        {QStringLiteral("/a_V1/QUORVEL_V2.70.hex"),
-         QStringLiteral("1/QUORVEL_V270 : ") + kInvalidVersionText, QString(), 48},
-        {QStringLiteral("/fw/update.hex"),
-         QStringLiteral("/fw/update.hex : \r\n") + kInvalidNameText, QString(), 0},
+        // The texts of every refusal are the check's own, tested with it.
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.chosen.toStdString());
