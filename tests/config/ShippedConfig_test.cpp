@@ -8,78 +8,47 @@
 #include <QStringList>
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <map>
 
 namespace {
 
-QByteArray shippedBytes() {
+// The keys of each language's messages, as LitMessage compares them, with
+// the keys found twice.
+struct LanguageKeys {
+    QSet<QString> keys;
+    QStringList twice;
+};
+
+std::map<QString, LanguageKeys> shippedKeys() {
     QFile file(QStringLiteral(QUORVEL_SHIPPED_CONFIG));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QDomElement root() {
-    static const QDomDocument document = [] {
-        QDomDocument d;
-        d.setContent(shippedBytes());
-        return d;
-    }();
-    return document.documentElement();
-}
-
-// How LitMessage compares keys.
-QString normalKey(const QString& key) {
-    return key.trimmed().toUpper();
-}
-
-std::vector<QDomElement> elementChildren(const QDomNode& parent) {
-    std::vector<QDomElement> out;
-    for (QDomElement e = parent.firstChildElement(); !e.isNull(); e = e.nextSiblingElement())
-        out.push_back(e);
-    return out;
-}
-
-QString languageName(const QDomElement& e) {
-    const QDomNamedNodeMap attributes = e.attributes();
-    for (int i = 0; i < attributes.count(); ++i)
-        if (attributes.item(i).toAttr().name().toUpper() == QLatin1String("NOM"))
-            return attributes.item(i).toAttr().value();
-    return {};
-}
-
-QDomElement language(const QString& sectionName, const QString& name) {
-    for (const QDomElement& e : elementChildren(root().firstChildElement(sectionName)))
-        if (languageName(e).toUpper() == name.toUpper())
-            return e;
-    return {};
-}
-
-// Key and text of each message.
-std::vector<std::pair<QString, QString>> messages(const QString& lang) {
-    std::vector<std::pair<QString, QString>> out;
-    for (const QDomElement& m : elementChildren(language(QStringLiteral("Messages"), lang))) {
-        const auto parts = elementChildren(m);
-        out.emplace_back(parts.size() > 0 ? parts[0].text() : QString(),
-                         parts.size() > 1 ? parts[1].text() : QString());
-    }
-    return out;
-}
-
-const QStringList kLanguages = {QStringLiteral("English"), QString::fromUtf8("Français")};
-
-TEST(ShippedConfig, BothLanguagesHoldTheSameKeysEachOnce) {
-    QSet<QString> keys[2];
-    for (int i = 0; i < 2; ++i) {
-        for (const auto& [key, text] : messages(kLanguages[i])) {
-            EXPECT_FALSE(keys[i].contains(normalKey(key)))
-                << kLanguages[i].toStdString() << ": " << key.toStdString();
-            keys[i].insert(normalKey(key));
+    QDomDocument document;
+    if (!file.open(QIODevice::ReadOnly) || !document.setContent(file.readAll()))
+        return {};
+    std::map<QString, LanguageKeys> out;
+    const QDomElement messages = document.documentElement().firstChildElement("Messages");
+    for (QDomElement l = messages.firstChildElement(); !l.isNull(); l = l.nextSiblingElement()) {
+        LanguageKeys& language = out[l.attribute("Nom")];
+        for (QDomElement m = l.firstChildElement(); !m.isNull(); m = m.nextSiblingElement()) {
+            const QString key = m.firstChildElement().text().trimmed().toUpper();
+            if (language.keys.contains(key))
+                language.twice << key;
+            language.keys.insert(key);
         }
     }
-    EXPECT_GT(messages(kLanguages[0]).size(), 100u);
-    EXPECT_EQ(messages(kLanguages[0]).size(), messages(kLanguages[1]).size());
-    EXPECT_EQ(QStringList(QSet<QString>(keys[0]).subtract(keys[1]).values()), QStringList())
+    return out;
+}
+
+TEST(ShippedConfig, BothLanguagesHoldTheSameKeysEachOnce) {
+    auto languages = shippedKeys();
+    const LanguageKeys& english = languages[QStringLiteral("English")];
+    const LanguageKeys& french = languages[QString::fromUtf8("Français")];
+    EXPECT_GT(english.keys.size(), 100);
+    const auto joined = [](const auto& keys) { return QStringList(keys).join(", ").toStdString(); };
+    EXPECT_EQ(joined(english.twice), "");
+    EXPECT_EQ(joined(french.twice), "");
+    EXPECT_EQ(joined(QSet<QString>(english.keys).subtract(french.keys).values()), "")
         << "only in English";
-    EXPECT_EQ(QStringList(QSet<QString>(keys[1]).subtract(keys[0]).values()), QStringList())
+    EXPECT_EQ(joined(QSet<QString>(french.keys).subtract(english.keys).values()), "")
         << "only in French";
 }
 

@@ -38,13 +38,6 @@ protected:
         config.serial = 90601234;
         id = sim.addDevice(config);
         state.UsbID = id;
-        sim.modify(id, [](SimDevice& d) {
-            d.setEeprom(Address::Counters, 7);
-            d.setEeprom(Address::DaylightSavingRule, 60);
-            d.setEeprom(Address::LogArea + 44, 5);
-            d.setIlsInput(1);
-            d.setDeviceTime(QDateTime(QDate(2026, 11, 23), QTime(19, 3, 8)), 0);
-        });
     }
 
     QStringList words() {
@@ -79,22 +72,12 @@ TEST_F(FrameWords, EveryCommandDecodesToItsWords) {
         QStringList expected;
     };
     const std::vector<Row> rows = {
-        {"set clock",
-         [&](Device& d) { MAH(d, 0, monday.date(), monday); },
-         {"set clock Mon 23/11/26 19:03:08"}},
         {"set clock before a programme",
          [&](Device& d) { MAH(d, 255, monday.date(), monday); },
          {"set clock Mon 23/11/26 19:03:08, option 255"}},
         {"begin programme",
          [](Device& d) { d.transact(beginProgrammeFrame(1), ReplyLength::Programme); },
          {"begin programme, default state 1"}},
-        {"programme line with its time",
-         [](Device& d) {
-             d.transact(conditionFrame(line(9), 3), ReplyLength::Programme);
-             d.transact(dayTimeFrame(line(9)), ReplyLength::Programme);
-         },
-         {"programme line 3: output 3, value 1, delay 900 s, day 9",
-          "programme line 3 (sub 9): day 9 at 06:30:07"}},
         {"periodic programme line",
          [](Device& d) {
              d.transact(conditionFrame(line(12), 1), ReplyLength::Programme);
@@ -105,7 +88,6 @@ TEST_F(FrameWords, EveryCommandDecodesToItsWords) {
         {"identity",
          [](Device& d) { LitVersionPrincipale(d); },
          {"identity -> Quorvel (12) 2.70 BL V 103, battery 9.0 V"}},
-        {"read clock", [](Device& d) { LitDateEtHeure(d); }, {"read clock -> 23/11/26 19:03:08"}},
         {"serial number",
          [](Device& d) { d.LitEEpromlong(Address::SerialNumber); },
          {"read EEPROM 16 (serial number, byte 0) -> 18",

@@ -349,42 +349,6 @@ TEST_F(ProgrammeTransfer, ProgrammeOutOfRangeIsRefusedBeforeAnyFrame) {
     EXPECT_EQ(gate.attempts(), 0);
 }
 
-// ---------------------------------------------------------------- round trip
-
-TEST_F(ProgrammeTransfer, UploadGivesBackWhatTheDownloadCarried) {
-    Conditions sent;
-    for (Condition c : oneOfEachKind()) {
-        c.Format = 0; // the valve's format: its value goes along
-        c.Valeur = c.Jour == 2 ? 1 : c.Valeur;
-        c.Temporisation = c.Jour == JourPeriode ? 32000 : c.Temporisation;
-        sent.Add(c);
-    }
-    ASSERT_TRUE(download(sent).resultat);
-    outputFormats = {{3, 0}};
-
-    const ConfigDocument config(configPath());
-    const ProgrammeLu read = uploadAndSave(config);
-    ASSERT_EQ(read.fin, Fin::MarqueDeFin);
-    Conditions stored;
-    LitConditions(config, stored);
-    ASSERT_EQ(read.conditions->Count(), sent.Count());
-    ASSERT_EQ(stored.Count(), sent.Count());
-
-    for (int n = 1; n <= sent.Count(); ++n) {
-        SCOPED_TRACE(n);
-        // What the download carries; comment, offset and logic stay behind.
-        Condition expected = *sent.Item(n);
-        expected.Nom = kValveName + QStringLiteral(" 1-") + QString::number(n);
-        expected.rang = static_cast<std::int16_t>(n);
-        expected.Offset = 0;
-        expected.Commentaire.clear();
-        expected.setOperateur(0, 0);
-        expected.setValeur1(0, 0);
-        EXPECT_EQ(test::storedFields(*read.conditions->Item(n)), test::storedFields(expected));
-        EXPECT_EQ(test::storedFields(*stored.Item(n)), test::storedFields(expected));
-    }
-}
-
 // ---------------------------------------------------------------- upload
 
 // Jour, Heure, Minute, Seconde, then the four PlageFin fields.

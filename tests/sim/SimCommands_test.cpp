@@ -16,7 +16,6 @@ TEST_F(SimCommands, FramesThatAreNotRightGetNoAnswer) {
     const std::vector<std::pair<const char*, QByteArray>> cases = {
         {"check value", badCheck},
         {"data byte changed after the check", badData},
-        {"unknown command 0x05", checkedFrame({0x05})},
         {"unknown command 0xF2", checkedFrame({0xF2})},
         {"restart", checkedFrame({0x00})},
         {"fifteen bytes", checkedFrame({0xF0}).left(15)},

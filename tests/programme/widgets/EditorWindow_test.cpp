@@ -5,13 +5,10 @@
 #include "programme/ProgrammeStore.h"
 #include "programme/widgets/ProgrammationWindow.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QDateTimeEdit>
-#include <QDir>
 #include <QFile>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -208,71 +205,6 @@ TEST_F(EditorWindowTest, EditorWindowInTimeOutShowsNothing) {
     EXPECT_EQ(child<QListWidget>("ListeConditions")->count(), 0);
     EXPECT_EQ(child<QLineEdit>("NomFichier")->text(), QString());
     EXPECT_TRUE(main.reads.empty());
-}
-
-// Pictures of the editor on a periodic line, for the documentation when
-// QUORVEL_SCREENSHOTS names a folder, and checked for cut texts in any case.
-TEST_F(EditorWindowTest, EditorWindowScreenshotsInEnglishAndFrench) {
-    const QString target = qEnvironmentVariable("QUORVEL_SCREENSHOTS", dir.path());
-    struct Case {
-        QString langue;
-        QLocale locale;
-        QString file;
-        QString addCondition;
-    };
-    const std::vector<Case> cases = {
-        {QStringLiteral("English"), QLocale(QLocale::English, QLocale::UnitedKingdom),
-         QStringLiteral("editor-en.png"), QStringLiteral("Add a condition")},
-        {QStringLiteral("Français"), QLocale(QLocale::French, QLocale::France),
-         QStringLiteral("editor-fr.png"), QStringLiteral("Ajouter une condition")},
-    };
-    // The two buttons of the preview and the PDF, as the shipped file names them.
-    config->LitMessage(QStringLiteral("English"), QStringLiteral("ApercuProg"),
-                       QStringLiteral("Print preview"));
-    config->LitMessage(QStringLiteral("English"), QStringLiteral("ImprimerPdf"),
-                       QStringLiteral("Print to PDF"));
-    config->LitMessage(QStringLiteral("Français"), QStringLiteral("ApercuProg"),
-                       QStringLiteral("Aperçu avant impression"));
-    config->LitMessage(QStringLiteral("Français"), QStringLiteral("ImprimerPdf"),
-                       QStringLiteral("Imprimer en PDF"));
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.langue.toStdString());
-        storeProgramme();
-        main.language = c.langue;
-        main.eeprom[24] = 1;
-        open(c.locale);
-        EXPECT_EQ(child<QPushButton>("Ajouter")->text(), c.addCondition);
-        ASSERT_EQ(child<QListWidget>("ListeConditions")->currentRow(), 2);
-        EXPECT_EQ(child<QComboBox>("ListeJours")->currentIndex(), 10);
-        EXPECT_EQ(child<QLineEdit>("ValeurPeriode")->text(), QStringLiteral("3"));
-
-        window->resize(window->minimumSizeHint());
-        QApplication::processEvents();
-        for (QWidget* w : window->findChildren<QWidget*>()) {
-            if (!w->isVisible())
-                continue;
-            const std::string name = w->objectName().toStdString();
-            if (auto* l = qobject_cast<QLabel*>(w); l && !l->wordWrap() && l->pixmap().isNull()) {
-                EXPECT_GE(l->width(), l->fontMetrics().horizontalAdvance(l->text())) << name;
-            }
-            if (auto* b = qobject_cast<QAbstractButton*>(w)) {
-                EXPECT_GE(b->width(), b->minimumSizeHint().width()) << name;
-            }
-            if (auto* g = qobject_cast<QGroupBox*>(w)) {
-                EXPECT_GE(g->width(), g->fontMetrics().horizontalAdvance(g->title())) << name;
-            }
-            if (auto* e = qobject_cast<QDateTimeEdit*>(w)) {
-                EXPECT_GE(e->width(), e->minimumSizeHint().width()) << name;
-            }
-        }
-
-        window->resize(window->sizeHint().expandedTo(QSize(900, 0)));
-        QApplication::processEvents();
-        const QPixmap picture = window->grab();
-        EXPECT_FALSE(picture.isNull());
-        QDir().mkpath(target);
-        EXPECT_TRUE(picture.save(QDir(target).filePath(c.file)));
-    }
 }
 
 } // namespace
