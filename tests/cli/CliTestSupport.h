@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TestFiles.h"
 #include "config/ConfigDocument.h"
 #include "programme/Conditions.h"
 #include "programme/ProgrammeStore.h"
@@ -36,17 +37,6 @@ inline Outcome quorvelctl(const QStringList& args, int timeoutMs = 60000) {
     return {process.exitCode(), process.exitStatus(),
             QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError()), timer.elapsed()};
-}
-
-inline QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline void writeAll(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    ASSERT_EQ(file.write(bytes), bytes.size());
 }
 
 // A programme file as the editor saves one: a copy of config.xml with these

@@ -51,7 +51,7 @@ protected:
 
     // The controller's whole memory, as its state file keeps it.
     QString memory() const {
-        const QJsonObject root = QJsonDocument::fromJson(readAll(state())).object();
+        const QJsonObject root = QJsonDocument::fromJson(readFile(state())).object();
         return root.value(QStringLiteral("devices"))
             .toArray()
             .at(0)
@@ -111,10 +111,10 @@ TEST_F(NothingLost, UploadWithAFailedReadStoresNothing) {
     lines.Add(line(JourPlage, 22));
     holding(lines);
     const QString copy = dir.filePath(QStringLiteral("copy.prg"));
-    writeAll(copy, "<Configuration><CONDITIONS/></Configuration>\n");
+    writeFile(copy, "<Configuration><CONDITIONS/></Configuration>\n");
     for (const QString& fault : kCheckFaults) {
         SCOPED_TRACE(fault.toStdString());
-        const QByteArray configBefore = readAll(config());
+        const QByteArray configBefore = readFile(config());
         const QString memoryBefore = memory();
         const Outcome r =
             run({QStringLiteral("programme"), QStringLiteral("upload"), QStringLiteral("-o"), copy},
@@ -124,8 +124,8 @@ TEST_F(NothingLost, UploadWithAFailedReadStoresNothing) {
         EXPECT_TRUE(r.out.contains(QStringLiteral("nothing stored: config.xml and copy.prg "
                                                   "unchanged")))
             << r.out.toStdString();
-        EXPECT_EQ(readAll(config()), configBefore);
-        EXPECT_EQ(readAll(copy), QByteArray("<Configuration><CONDITIONS/></Configuration>\n"));
+        EXPECT_EQ(readFile(config()), configBefore);
+        EXPECT_EQ(readFile(copy), QByteArray("<Configuration><CONDITIONS/></Configuration>\n"));
         EXPECT_EQ(memory(), memoryBefore);
     }
     // Without the fault the same command stores the controller's lines.
@@ -160,16 +160,16 @@ TEST_F(NothingLost, ProgrammeThatCannotBeSentChangesNothing) {
         lines.Add(bad);
         lines.Add(line(3, 10));
         const QString prg = programmeFile(QStringLiteral("bad.prg"), lines);
-        const QByteArray configBefore = readAll(config());
-        const QByteArray stateBefore = readAll(state());
+        const QByteArray configBefore = readFile(config());
+        const QByteArray stateBefore = readFile(state());
         const Outcome r = run({QStringLiteral("--yes"), QStringLiteral("programme"),
                                QStringLiteral("download"), prg});
         EXPECT_EQ(r.status, 4) << r.err.toStdString();
         EXPECT_TRUE(r.err.contains(QString::fromUtf8(c.says))) << r.err.toStdString();
         EXPECT_TRUE(r.err.contains(QStringLiteral("nothing sent"))) << r.err.toStdString();
-        EXPECT_EQ(readAll(config()), configBefore);
+        EXPECT_EQ(readFile(config()), configBefore);
         // Not a frame went: not even the clock's.
-        EXPECT_EQ(readAll(state()), stateBefore);
+        EXPECT_EQ(readFile(state()), stateBefore);
         QFile::remove(prg);
     }
 }
@@ -222,7 +222,7 @@ TEST_F(NothingLost, EveryKindOfLineGoesThereAndBack) {
 // Documents that are no configuration at all are refused before anything
 // reads them, and never written back.
 TEST_F(NothingLost, HostileConfigurationIsRefusedWhereItGoesWrong) {
-    const QByteArray shipped = readAll(config());
+    const QByteArray shipped = readFile(config());
     const QByteArray head = shipped.left(shipped.lastIndexOf("</Configuration>"));
     const int headLines = int(head.count('\n'));
     struct Case {
@@ -246,7 +246,7 @@ TEST_F(NothingLost, HostileConfigurationIsRefusedWhereItGoesWrong) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        writeAll(config(), c.document);
+        writeFile(config(), c.document);
         const Outcome r = run(c.args, QString(), 20000);
         EXPECT_EQ(r.exit, QProcess::NormalExit);
         EXPECT_EQ(r.status, 3) << r.out.toStdString();
@@ -254,7 +254,7 @@ TEST_F(NothingLost, HostileConfigurationIsRefusedWhereItGoesWrong) {
         EXPECT_TRUE(r.err.contains(c.says)) << r.err.toStdString();
         // Refused at once, whatever the size, and never written back.
         EXPECT_LT(r.elapsedMs, 3000);
-        EXPECT_TRUE(readAll(config()) == c.document);
+        EXPECT_TRUE(readFile(config()) == c.document);
         EXPECT_FALSE(QFile::exists(state()));
     }
 }

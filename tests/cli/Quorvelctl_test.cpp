@@ -68,7 +68,7 @@ TEST_F(QuorvelctlTest, TheStoredProgrammePrintsAsAPdfAndAnUnknownLanguageIsRefus
     const Outcome printed =
         run({QStringLiteral("programme"), QStringLiteral("print"), QStringLiteral("--pdf"), pdf});
     ASSERT_EQ(printed.status, 0) << printed.err.toStdString();
-    EXPECT_TRUE(readAll(pdf).startsWith("%PDF-")); // its text is checked where the page is drawn
+    EXPECT_TRUE(readFile(pdf).startsWith("%PDF-")); // its text is checked where the page is drawn
     const Outcome refused = run({QStringLiteral("programme"), QStringLiteral("print"),
                                  QStringLiteral("--pdf"), dir.filePath(QStringLiteral("x.pdf")),
                                  QStringLiteral("--language"), QStringLiteral("Deutsch")});
