@@ -1,6 +1,7 @@
 // The window as `quorvel --demo` builds it: the firmware update behind its
 // menu hands the file to a stand-in loader in the language of the window.
 #include "AppTestSupport.h"
+#include "RecordingFileDialog.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -14,19 +15,6 @@ namespace {
 
 const QString kEnglish = QStringLiteral("English");
 const QString kFrench = QStringLiteral("Français");
-
-// Answers the file dialogs at once and keeps what they were asked.
-class ScriptedFileDialog : public FileDialog {
-public:
-    QString openAnswer;
-    std::vector<Request> opened;
-
-    QString openFile(const Request& request) override {
-        opened.push_back(request);
-        return openAnswer;
-    }
-    QString saveFile(const Request&) override { return QString(); }
-};
 
 // A loader standing in for the real one: the arguments it got, one a line,
 // next to itself (written aside and renamed, so a reader never sees half).
@@ -51,7 +39,7 @@ class FirmwareMenuTest : public ::testing::Test {
 protected:
     QTemporaryDir files;
     RecordingDialogs dialogs;
-    ScriptedFileDialog fileDialog;
+    RecordingFileDialog fileDialog;
     std::unique_ptr<Launch> launch;
     MainScreenWindow* window = nullptr;
 
@@ -127,7 +115,7 @@ protected:
 TEST_F(FirmwareMenuTest, NmuBootLoadHandsTheFileToTheLoaderInTheLanguageInUse) {
     installLoader();
     const QString hex = firmwareFile("2.71");
-    fileDialog.openAnswer = hex;
+    fileDialog.answer = hex;
     const std::int32_t id = launch->device().state().UsbID;
     struct Case {
         QString langue;

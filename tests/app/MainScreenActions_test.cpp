@@ -1,8 +1,10 @@
 // The main window's buttons clicked as the operator clicks them, over the
 // simulated controller: the frames each one sends, in order, the boxes it
-// shows, and what the device holds afterwards. Also the daylight-saving rule
-// read onto the combos, and a device lost in the middle of a full read.
+// shows, the texts a full read leaves, and what the device holds afterwards.
+// Also the daylight-saving rule read onto the combos, and a device lost in
+// the middle of a full read.
 #include "AppTestSupport.h"
+#include "programme/DefaultStates.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -107,15 +109,52 @@ const QStringList kRuleOff = {w(26, 30), w(28, 5),    w(31, 11),  w(29, 1),
 const QString kRestart = QStringLiteral("00( 00){13}");
 const QStringList kRestarts = {kRestart, kRestart, kRestart}; // the device stays silent
 const QString kOverwrite = QStringLiteral("The values stored in the device will be overwritten.");
-const QStringList kWriteFrames =
-    QStringList{
-        QStringLiteral("F0"), QStringLiteral("01 06 0E 05 09 15 0B 1A FF"), QStringLiteral("02 00"),
-        // The programme below: a plain line, a day line, a range line.
-        QStringLiteral("03 03 00 00 00 00 00 00 01 2C 00"),
-        QStringLiteral("03 03 01 00 00 00 00 00 00 00 03"), QStringLiteral("1F 09 03 06 1E 00"),
-        QStringLiteral("03 03 02 00 00 00 00 00 00 00 0B"), QStringLiteral("1F 09 0B 07 00 00"),
-        QStringLiteral("1F 0A 0C 08 00 00")} +
-    kRuleOn + writes(9, 300, 2) + writes(20, kNowSeconds, 4) + kRestarts;
+QStringList writeFrames(int defaultState = 0) {
+    return QStringList{QStringLiteral("F0"), QStringLiteral("01 06 0E 05 09 15 0B 1A FF"),
+                       QString::asprintf("02 00 %02X", defaultState),
+                       // The programme below: a plain line, a day line, a range line.
+                       QStringLiteral("03 03 00 00 00 00 00 00 01 2C 00"),
+                       QStringLiteral("03 03 01 00 00 00 00 00 00 00 03"),
+                       QStringLiteral("1F 09 03 06 1E 00"),
+                       QStringLiteral("03 03 02 00 00 00 00 00 00 00 0B"),
+                       QStringLiteral("1F 09 0B 07 00 00"), QStringLiteral("1F 0A 0C 08 00 00")} +
+           kRuleOn + writes(9, 300, 2) + writes(20, kNowSeconds, 4) + kRestarts;
+}
+const QStringList kWriteFrames = writeFrames();
+// "FE <low> <high>": reads of EEPROM from `from` to `to`.
+QStringList reads(int from, int to) {
+    QStringList frames;
+    for (int a = from; a <= to; ++a)
+        frames << QString::asprintf("FE %02X %02X", a & 0xFF, a >> 8);
+    return frames;
+}
+// The full read, in its order: identity, counters, the rule, the delay and
+// the threshold, the live values, the output, the programming date twice.
+const QStringList kReadFrames =
+    reads(16, 19) + reads(39, 39) + QStringList{"F0"} + reads(33, 36) + QStringList{"F3 00 00"} +
+    reads(40, 44) + reads(26, 26) + reads(28, 28) + reads(31, 31) + reads(29, 29) + reads(32, 32) +
+    reads(27, 27) + reads(30, 30) + reads(9, 10) + reads(45, 46) + QStringList{"FC 00", "FC 02"} +
+    reads(48, 48) + reads(20, 23) + QStringList{"F0"} + reads(20, 23) + QStringList{"F1"};
+// A full read of a device without a programme that holds these raw values:
+// battery, the manual delay's two bytes and the threshold's two.
+std::function<void(SimDevice&)> raw(int battery, int delayLow, int delayHigh, int thresholdLow,
+                                    int thresholdHigh) {
+    return [=](SimDevice& d) {
+        d.setEeprom(48, 255);
+        d.setBattery(battery);
+        for (const auto& [address, value] :
+             {std::pair{9, delayLow}, {10, delayHigh}, {45, thresholdLow}, {46, thresholdHigh}})
+            d.setEeprom(address, value);
+    };
+}
+// `count` boxes of a silent controller, then `last` when given.
+std::vector<QString> absent(int count, const QString& last = {}) {
+    std::vector<QString> texts(static_cast<size_t>(count),
+                               QStringLiteral("Quorvel not responding (Time Out)"));
+    if (!last.isEmpty())
+        texts.push_back(last);
+    return texts;
+}
 const QString kSetClock = QStringLiteral("01 06 0E 05 09 15 0B 1A 00");
 
 // One click of one button: how the window is set before it, every frame it
@@ -133,6 +172,13 @@ struct Action {
     Action& answer(int a) { return firstAnswer = a, *this; }
     Action& then(std::function<bool(const SimDevice&)> h) { return holds = std::move(h), *this; }
     Action& waitingFiveTicks() { return waits = true, *this; }
+    Action& holding(std::function<void(SimDevice&)> s) { return before = std::move(s), *this; }
+    Action& shows(const char* control, const char* t) {
+        return shown.emplace_back(control, t), *this;
+    }
+    Action& unplugged() { return dead = true, *this; }
+    // The output's default state in config.xml under English and French.
+    Action& defaultStates(int english, int french) { return states = {english, french}, *this; }
 
     const char* name;
     const char* button;
@@ -146,6 +192,10 @@ struct Action {
     int firstAnswer = 0;                              // 0: OK
     std::function<bool(const SimDevice&)> holds;
     bool waits = false;
+    std::function<void(SimDevice&)> before;
+    std::vector<std::pair<const char*, const char*>> shown;
+    bool dead = false;
+    std::optional<std::pair<int, int>> states;
 };
 void PrintTo(const Action& a, std::ostream* out) {
     *out << a.name;
@@ -177,6 +227,14 @@ TEST_P(Button, SendsItsFramesAndShowsItsBoxes) {
         widget<QComboBox>("ValeurSortieLogique")->setCurrentIndex(a.outputRow);
     if (a.firstAnswer)
         rig->dialogs.answerNext(a.firstAnswer);
+    if (a.before)
+        bus->modify(quorvelId(), a.before);
+    if (a.states) {
+        Sauve_EtatDefautSortie(*config, QStringLiteral("English"), 0, a.states->first);
+        Sauve_EtatDefautSortie(*config, QStringLiteral("Français"), 0, a.states->second);
+    }
+    if (a.dead)
+        bus->unplug(quorvelId());
     std::vector<int> progress;
     QObject::connect(widget<QProgressBar>("ProgressBar2"), &QProgressBar::valueChanged, [&](int v) {
         if (v == 0)
@@ -213,6 +271,8 @@ TEST_P(Button, SendsItsFramesAndShowsItsBoxes) {
     if (a.holds) {
         EXPECT_TRUE(a.holds(device));
     }
+    for (const auto& [control, shownText] : a.shown)
+        EXPECT_EQ(text(control), QString::fromUtf8(shownText)) << control;
     EXPECT_EQ(device.restartCount() - restarts, a.frames.contains(kRestart) ? 1 : 0);
     if (a.waits) {
         EXPECT_EQ(progress, (std::vector<int>{1, 2, 3, 4, 5})) << "one step a tick, up to five";
@@ -234,6 +294,13 @@ const Action kActions[] = {
            MsgBox::Exclamation)
         .in(QStringLiteral("Français"))
         .waitingFiveTicks(),
+    Action("EcrireTakesTheDefaultStateOfTheFirstLanguage", "Ecrire", writeFrames(1),
+           {QStringLiteral("Les valeurs enregistrées dans l'appareil seront écrasées."),
+            QStringLiteral("Programmation terminée")},
+           MsgBox::Exclamation)
+        .in(QStringLiteral("Français"))
+        .defaultStates(1, 0)
+        .then([](const SimDevice& d) { return d.eeprom(24) == 1; }),
     Action("EcrireCancelled", "Ecrire", {QStringLiteral("F0")}, {kOverwrite}, MsgBox::OkCancel)
         .answer(MsgBox::AnswerCancel),
     Action("SetTime", "SetTime", QStringList{kSetClock} + kRuleOn + writes(9, 300, 2),
@@ -242,6 +309,14 @@ const Action kActions[] = {
            QStringList{kSetClock} + kRuleOff + writes(9, 300, 2),
            {QStringLiteral("Date and time set")}, MsgBox::Exclamation)
         .tick("EnableDaylightSaving", false),
+    Action("SetTimeClampsTheManualDelay", "SetTime",
+           QStringList{kSetClock} + kRuleOn + writes(9, 65535, 2),
+           {QStringLiteral("Date and time set")}, MsgBox::Exclamation)
+        .type("ValeurManualAction", QStringLiteral("70000"))
+        .shows("ValeurManualAction", "65535"),
+    Action("SetTimeOnADeadDeviceEndsWithItsBox", "SetTime", {},
+           absent(10, QStringLiteral("Date and time set")), MsgBox::Exclamation)
+        .unplugged(),
     Action("ActiverOpen", "Activer", {QStringLiteral("04 03 01 00( 00){10} ")}).output(1),
     Action("ActiverClosedWithTheProgrammeStopped", "Activer",
            {QStringLiteral("04 03 00 01( 00){10} ")})
@@ -282,6 +357,39 @@ const Action kActions[] = {
         .type("MinBat", QStringLiteral("x")),
     Action("RazCtnClearsTheCounters", "RazCtn",
            writes(40, 0, 5) + QStringList{QStringLiteral("FB 00 00 00 01")}),
+    Action("RazCtnOnADeadDeviceStillShowsZero", "RazCtn", {}, absent(6))
+        .unplugged()
+        .shows("ctn_text_0", "0"),
+    Action("Lire", "Lire", kReadFrames)
+        .holding([](SimDevice& d) {
+            raw(950, 0x2C, 0x01, 0xE4, 0x02)(d);
+            for (int i = 0; i < 5; ++i)
+                d.setEeprom(40 + i, 11 * (i + 1));
+            d.setEeprom(27, 255); // the rule off
+            d.setOutputState(1);
+            d.setIlsInput(5);
+        })
+        .shows("ValeurNumeroSerie", "90601234")
+        .shows("Version", "(12) 2.70")
+        .shows("FrameMaintenance", "Maintenance (Bootloader V103)")
+        .shows("Batterie", "9.0") // 950 / 105.76
+        .shows("ctn_text_0", "11")
+        .shows("ctn_text_4", "55")
+        .shows("Ils", "5")
+        .shows("ValeurSortieLogique", "Open")
+        .shows("NomSortie", "Bistable valve 1")
+        .shows("ValeurHorloge_2", "32.0000"),
+    // A new device's threshold word 740 is 6.997 V, shown through "##.##".
+    Action("LireRawValuesAtTheirLimits", "Lire", kReadFrames)
+        .holding(raw(0, 0xFF, 0xFF, 0xE4, 0x02))
+        .shows("Batterie", "0.0")
+        .shows("ValeurManualAction", "65535")
+        .shows("MinBat", "7."),
+    Action("LireRawValuesBeyondTheConverter", "Lire", kReadFrames)
+        .holding(raw(2000, 0x3C, 0x00, 79, 0))
+        .shows("Batterie", "18.9")
+        .shows("ValeurManualAction", "60")
+        .shows("MinBat", ".75"),
     Action("ForceBootAnsweredNoStillWritesTheRequest", "ForceBoot", {w(255, 255)},
            {QStringLiteral("Restart the device in its bootloader. Are you sure?")},
            MsgBox::YesNo | MsgBox::Question)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "RecordingDialogs.h"
+#include "RecordingFileDialog.h"
 #include "config/ConfigDocument.h"
 #include "firmware/FileDialog.h"
 #include "firmware/FirmwareCheck.h"
@@ -28,17 +29,6 @@ inline const QString kBelowFloorText = QStringLiteral(
 inline const QString kInvalidNameText =
     QStringLiteral("Invalid file name: the firmware file must be named QUORVEL_VX.XX.hex");
 inline const QString kInvalidVersionText = QStringLiteral("Invalid version number");
-
-class RecordingFileDialog : public FileDialog {
-public:
-    QString answer;
-    std::vector<Request> opened;
-    QString openFile(const Request& request) override {
-        opened.push_back(request);
-        return answer;
-    }
-    QString saveFile(const Request& request) override { return openFile(request); }
-};
 
 class RecordingLoader : public LoaderStarter {
 public:
