@@ -3,6 +3,7 @@
 #include "Launcher.h"
 #include "RecordingDialogs.h"
 #include "SimulatedBus.h"
+#include "TestFiles.h"
 #include "config/ConfigDocument.h"
 #include "console/widgets/ConnectWindow.h"
 #include "console/widgets/MainScreenWindow.h"
@@ -34,9 +35,7 @@ namespace qv::test {
 // A scratch copy of the shipped config.xml, with the switches a test asks for.
 inline QString scratchConfig(const QTemporaryDir& dir, bool maintenance = false) {
     const QString path = dir.filePath(QStringLiteral("config.xml"));
-    QFile::remove(path);
-    QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), path);
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    writeFile(path, readFile(QStringLiteral(QUORVEL_SHIPPED_CONFIG)));
     ConfigDocument config(path);
     config.EcritValeurXML(QStringLiteral("Splash"), QStringLiteral("False"));
     config.EcritValeurXML(QStringLiteral("Maintenance"),

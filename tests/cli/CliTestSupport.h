@@ -42,9 +42,7 @@ inline Outcome quorvelctl(const QStringList& args, int timeoutMs = 60000) {
 // A programme file as the editor saves one: a copy of config.xml with these
 // lines.
 inline QString programmeFile(const QString& path, const Conditions& lines) {
-    QFile::remove(path);
-    EXPECT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), path));
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    writeFile(path, readFile(QStringLiteral(QUORVEL_SHIPPED_CONFIG)));
     SauveConditions(ConfigDocument(path), lines);
     return path;
 }

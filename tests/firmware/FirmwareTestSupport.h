@@ -2,6 +2,7 @@
 
 #include "RecordingDialogs.h"
 #include "RecordingFileDialog.h"
+#include "TestFiles.h"
 #include "config/ConfigDocument.h"
 #include "firmware/FileDialog.h"
 #include "firmware/FirmwareCheck.h"
@@ -39,16 +40,8 @@ public:
 // A scratch application folder with the shipped config.xml.
 class FirmwareFixture : public ::testing::Test {
 protected:
-    QTemporaryDir dir;
-    std::unique_ptr<ConfigDocument> config;
-
-    void SetUp() override {
-        ASSERT_TRUE(dir.isValid());
-        const QString path = dir.filePath(QStringLiteral("config.xml"));
-        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), path));
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-        config = std::make_unique<ConfigDocument>(path);
-    }
+    ScratchAppFolder dir;
+    std::unique_ptr<ConfigDocument> config = std::make_unique<ConfigDocument>(dir.configPath());
 
     FirmwareMessages english() {
         return [this](const QString& key, const QString& init) {

@@ -1,6 +1,7 @@
 // The panel in a window: a trace saved and opened again.
 #include "RecordingDialogs.h"
 #include "SimulatedBus.h"
+#include "TestFiles.h"
 #include "config/ConfigDocument.h"
 #include "device/Device.h"
 #include "inspector/widgets/ExchangePanel.h"
@@ -15,7 +16,6 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTableView>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace qv::test {
@@ -23,7 +23,7 @@ namespace {
 
 class PanelTest : public ::testing::Test {
 protected:
-    QTemporaryDir dir;
+    test::ScratchAppFolder dir;
     QString language = QStringLiteral("English");
     std::unique_ptr<ConfigDocument> config;
     SimulatedBus sim;
@@ -38,10 +38,7 @@ protected:
     QStringList problems;
 
     void SetUp() override {
-        const QString path = dir.filePath(QStringLiteral("config.xml"));
-        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), path));
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-        config = std::make_unique<ConfigDocument>(path);
+        config = std::make_unique<ConfigDocument>(dir.configPath());
         config->load();
         window.menuBar()->addMenu(QStringLiteral("?"))->setObjectName(QStringLiteral("mnuAide"));
         panel = installExchangePanel(window, hub, *config, [this] { return language; });

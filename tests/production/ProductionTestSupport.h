@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SimulatedBus.h"
+#include "TestFiles.h"
 #include "config/ConfigDocument.h"
 #include "production/ProductionRun.h"
 #include "programme/Conditions.h"
@@ -9,7 +10,6 @@
 #include <QDir>
 #include <QFile>
 #include <QStringList>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace qv::test {
@@ -76,23 +76,18 @@ inline std::vector<QStringList> reportBlocks(const QString& path) {
 class BenchFolder {
 public:
     BenchFolder() {
-        EXPECT_TRUE(dir.isValid());
-        EXPECT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath()));
-        EXPECT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), programmePath()));
-        for (const QString& p : {configPath(), programmePath()})
-            QFile::setPermissions(p, QFile::ReadOwner | QFile::WriteOwner);
-        ConfigDocument programme(programmePath());
-        SauveConditions(programme, siteProgramme());
+        writeFile(programmePath(), readFile(configPath()));
+        SauveConditions(ConfigDocument(programmePath()), siteProgramme());
     }
     QString path() const { return dir.path(); }
-    QString configPath() const { return dir.filePath(QStringLiteral("config.xml")); }
+    QString configPath() const { return dir.configPath(); }
     QString programmePath() const { return dir.filePath(QStringLiteral("site.prg")); }
     QString logPath(const QString& order) const {
         return dir.filePath(order + QStringLiteral(".log"));
     }
 
 private:
-    QTemporaryDir dir;
+    ScratchAppFolder dir;
 };
 
 // Hears what the controllers' threads report and keeps none of it.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../device/DeviceTestSupport.h"
+#include "TestFiles.h"
 #include "config/ConfigDocument.h"
 #include "view/MapConsoleView.h"
 
@@ -13,19 +14,14 @@ namespace qv::test {
 // scratch copy of the shipped config.xml.
 class TimekeepingFixture : public DeviceFixture {
 protected:
-    QTemporaryDir dir;
-    QString configPath;
-    std::unique_ptr<ConfigDocument> config;
+    ScratchAppFolder dir;
+    QString configPath = dir.configPath();
+    std::unique_ptr<ConfigDocument> config = std::make_unique<ConfigDocument>(configPath);
     MapConsoleView view;
     std::int32_t id = 0;
 
     void SetUp() override {
         DeviceFixture::SetUp();
-        ASSERT_TRUE(dir.isValid());
-        configPath = dir.filePath(QStringLiteral("config.xml"));
-        ASSERT_TRUE(QFile::copy(QStringLiteral(QUORVEL_SHIPPED_CONFIG), configPath));
-        QFile::setPermissions(configPath, QFile::ReadOwner | QFile::WriteOwner);
-        config = std::make_unique<ConfigDocument>(configPath);
         id = plug();
     }
 
