@@ -2,6 +2,7 @@
 // menu hands the file to a stand-in loader in the language of the window.
 #include "AppTestSupport.h"
 #include "RecordingFileDialog.h"
+#include "RecordingLoader.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -15,14 +16,6 @@ namespace {
 
 const QString kEnglish = QStringLiteral("English");
 const QString kFrench = QStringLiteral("Français");
-
-// A loader standing in for the real one: the arguments it got, one a line,
-// next to itself (written aside and renamed, so a reader never sees half).
-const QByteArray kRecordingLoader =
-    "#!/bin/sh\n"
-    "out=\"$(dirname \"$0\")/argv.txt\"\n"
-    "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$out.part\"\n"
-    "mv \"$out.part\" \"$out\"\n";
 
 QStringList waitForLines(const QString& path, int timeoutMs = 10000) {
     QElapsedTimer timer;
@@ -90,12 +83,7 @@ protected:
     void installLoader() {
         const QString path =
             QDir(launch->appDirectory()).filePath(QStringLiteral("LOADSTAGE_K_V318"));
-        QFile f(path);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(kRecordingLoader);
-        f.close();
-        ASSERT_TRUE(
-            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        writeProgram(path, kRecordingLoader);
     }
     QString loaderOutput() const {
         return QDir(launch->appDirectory()).filePath(QStringLiteral("argv.txt"));

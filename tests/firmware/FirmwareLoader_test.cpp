@@ -1,4 +1,5 @@
 #include "FirmwareTestSupport.h"
+#include "RecordingLoader.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -7,26 +8,6 @@ namespace qv::test {
 namespace {
 
 const QString kArgs = QStringLiteral(" LANGUE=English ;device=quorvel;try_both;USBID=7;prg=");
-
-void writeFile(const QString& path, const QByteArray& content, bool executable) {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(content);
-    f.close();
-    QFile::Permissions p = QFile::ReadOwner | QFile::WriteOwner;
-    if (executable)
-        p |= QFile::ExeOwner;
-    ASSERT_TRUE(QFile::setPermissions(path, p));
-}
-
-// A loader standing in for the real one: it writes the arguments it got, one
-// a line, next to itself (written aside and renamed, so that a reader never
-// sees half of it).
-const QByteArray kRecordingLoader =
-    "#!/bin/sh\n"
-    "out=\"$(dirname \"$0\")/argv.txt\"\n"
-    "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$out.part\"\n"
-    "mv \"$out.part\" \"$out\"\n";
 
 TEST(FirmwareLoader, FirmwareLoaderArgumentsAreTheLineSplitAtBlanks) {
     struct Case {
@@ -82,10 +63,10 @@ TEST(FirmwareLoader, FirmwareLoaderFoundByKind) {
     };
     const auto make = [](const QString& path, const QString& kind) {
         if (!kind.isEmpty())
-            writeFile(path,
-                      kind.startsWith(QLatin1String("script")) ? kRecordingLoader
-                                                               : QByteArray("MZ\x90\x00", 4),
-                      kind.endsWith(QLatin1String("+x")));
+            writeProgram(path,
+                         kind.startsWith(QLatin1String("script")) ? kRecordingLoader
+                                                                  : QByteArray("MZ\x90\x00", 4),
+                         kind.endsWith(QLatin1String("+x")));
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

@@ -53,8 +53,15 @@ struct UsbMockBus::Impl {
         Counts counts;
         // URBs are per open node: what waits for data, and what is done
         // and waits for the host to reap it.
-        std::map<UMockdevIoctlClient*, std::vector<UMockdevIoctlData*>> waitingIn;
-        std::map<UMockdevIoctlClient*, std::deque<UMockdevIoctlData*>> reapable;
+        struct Urbs {
+            std::deque<UMockdevIoctlData*> waitingIn, reapable;
+            void release() {
+                for (auto* queue : {&waitingIn, &reapable})
+                    for (UMockdevIoctlData* urb : *queue)
+                        g_object_unref(urb);
+            }
+        };
+        std::map<UMockdevIoctlClient*, Urbs> urbs;
     };
 
     UMockdevTestbed* testbed = nullptr;
@@ -122,16 +129,16 @@ struct UsbMockBus::Impl {
             }
             urb->actual_length = urb->buffer_length;
             urb->status = 0;
-            auto& waiting = d.waitingIn[client];
+            auto& waiting = d.urbs[client].waitingIn;
             if (!d.replies.empty() && !waiting.empty()) {
                 UMockdevIoctlData* in = waiting.front();
                 waiting.erase(waiting.begin());
                 fillIn(d, in);
-                d.reapable[client].push_back(in);
+                d.urbs[client].reapable.push_back(in);
             }
         } else if (urb->type == USBDEVFS_URB_TYPE_BULK && urb->endpoint == 0x81) {
             if (d.replies.empty()) {
-                d.waitingIn[client].push_back(urbData);
+                d.urbs[client].waitingIn.push_back(urbData);
                 return 0;
             }
             fillIn(d, urbData);
@@ -139,14 +146,14 @@ struct UsbMockBus::Impl {
             g_object_unref(urbData);
             return -ENOENT;
         }
-        d.reapable[client].push_back(urbData);
+        d.urbs[client].reapable.push_back(urbData);
         return 0;
     }
 
     long discard(Device& d, UMockdevIoctlClient* client, UMockdevIoctlData* arg) {
         gulong address = 0;
         std::memcpy(&address, arg->data, sizeof address);
-        auto& waiting = d.waitingIn[client];
+        auto& waiting = d.urbs[client].waitingIn;
         for (auto it = waiting.begin(); it != waiting.end(); ++it) {
             if ((*it)->client_addr != address)
                 continue;
@@ -155,7 +162,7 @@ struct UsbMockBus::Impl {
             urbOf(urbData)->status = -ENOENT;
             urbOf(urbData)->actual_length = 0;
             ++d.counts.discarded;
-            d.reapable[client].push_back(urbData);
+            d.urbs[client].reapable.push_back(urbData);
             // The late reply comes just after the host stopped waiting.
             if (d.late) {
                 d.replies.push_back(*d.late);
@@ -167,7 +174,7 @@ struct UsbMockBus::Impl {
     }
 
     long reap(Device& d, UMockdevIoctlClient* client, UMockdevIoctlData* arg) {
-        auto& done = d.reapable[client];
+        auto& done = d.urbs[client].reapable;
         if (done.empty())
             return -EAGAIN;
         GError* error = nullptr;
@@ -218,12 +225,8 @@ struct UsbMockBus::Impl {
         if (!d)
             return;
         // Closing a node drops its URBs.
-        for (UMockdevIoctlData* urb : d->waitingIn[client])
-            g_object_unref(urb);
-        for (UMockdevIoctlData* urb : d->reapable[client])
-            g_object_unref(urb);
-        d->waitingIn.erase(client);
-        d->reapable.erase(client);
+        d->urbs[client].release();
+        d->urbs.erase(client);
     }
 };
 
@@ -235,14 +238,9 @@ UsbMockBus::UsbMockBus() : impl_(std::make_unique<Impl>()) {
 }
 
 UsbMockBus::~UsbMockBus() {
-    for (auto& d : impl_->devices) {
-        for (auto& [client, urbs] : d->waitingIn)
-            for (UMockdevIoctlData* urb : urbs)
-                g_object_unref(urb);
-        for (auto& [client, urbs] : d->reapable)
-            for (UMockdevIoctlData* urb : urbs)
-                g_object_unref(urb);
-    }
+    for (auto& d : impl_->devices)
+        for (auto& [client, urbs] : d->urbs)
+            urbs.release();
     for (UMockdevIoctlBase* handler : impl_->handlers)
         g_object_unref(handler);
     g_object_unref(impl_->testbed);

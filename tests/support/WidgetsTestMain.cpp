@@ -1,4 +1,6 @@
-// The panel's widgets need an application object before the first of them.
+// The main of the suites with widgets and painted pages: they need an
+// application object before the first of them exists. The tests run on the
+// offscreen platform unless told otherwise, listing too.
 #include <QApplication>
 #include <gtest/gtest.h>
 
