@@ -66,15 +66,13 @@ public:
 
 // Stands between the window's link and the simulator. It counts the handles
 // open at once: an exchange opens two and closes both, so more than two at
-// once means an exchange inside another. And it unplugs the device at the
-// transfer that comes after `writesLeft` more (-1: never).
+// once means an exchange inside another.
 class WatchedBus : public Bus {
 public:
     explicit WatchedBus(SimulatedBus& sim) : sim_(sim) {}
 
     std::atomic<int> live{0};
     std::atomic<int> mostLive{0};
-    std::atomic<int> writesLeft{-1};
 
     int deviceCount() override { return sim_.deviceCount(); }
     std::int32_t uniqueId(int index) override { return sim_.uniqueId(index); }
@@ -86,26 +84,18 @@ public:
         int seen = mostLive;
         while (now > seen && !mostLive.compare_exchange_weak(seen, now)) {
         }
-        return std::make_unique<Handle>(*this, id, std::move(inner));
+        return std::make_unique<Handle>(*this, std::move(inner));
     }
 
 private:
     struct Handle : BusHandle {
-        Handle(WatchedBus& b, std::int32_t i, std::unique_ptr<BusHandle> h)
-            : bus(b), id(i), inner(std::move(h)) {}
+        Handle(WatchedBus& b, std::unique_ptr<BusHandle> h) : bus(b), inner(std::move(h)) {}
         ~Handle() override { --bus.live; }
-        bool write(const QByteArray& transfer) override {
-            if (bus.writesLeft == 0)
-                bus.sim_.unplug(id);
-            else if (bus.writesLeft > 0)
-                --bus.writesLeft;
-            return inner->write(transfer);
-        }
+        bool write(const QByteArray& transfer) override { return inner->write(transfer); }
         QByteArray read(int maxLength) override { return inner->read(maxLength); }
         void cancel() override { inner->cancel(); }
         int lastError() const override { return inner->lastError(); }
         WatchedBus& bus;
-        std::int32_t id;
         std::unique_ptr<BusHandle> inner;
     };
     SimulatedBus& sim_;

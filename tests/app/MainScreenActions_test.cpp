@@ -31,11 +31,10 @@ const char* const kRuleCombos[] = {"Semaine_0", "Jour_0", "Mois_0", "Heure_0",
 // clock and numbers written with a decimal point.
 class ActionsFixture : public WindowFixture {
 protected:
-    WatchedBus dying{*bus};
     QTimer watcher;
 
     void SetUp() override {
-        make(true, &dying, true);
+        make(true, nullptr, true);
         window->logic().setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
         window->logic().setClock([] { return kNow; });
         startWindow();
@@ -452,7 +451,7 @@ TEST_F(MainScreenActionsRead, ADeviceLostInTheMiddleOfAReadLeavesWhatWasReadBefo
         d.setEeprom(40, 9);
     });
     rig->dialogs.clear();
-    dying.writesLeft = counters;
+    bus->unplugAfter(quorvelId(), counters);
     QElapsedTimer clock;
     clock.start();
     press("Lire");
@@ -469,7 +468,6 @@ TEST_F(MainScreenActionsRead, ADeviceLostInTheMiddleOfAReadLeavesWhatWasReadBefo
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 
     // Plugged back in, the same button reads everything again.
-    dying.writesLeft = -1;
     bus->replug(quorvelId());
     rig->dialogs.clear();
     press("Lire");

@@ -90,12 +90,4 @@ private:
     ScratchAppFolder dir;
 };
 
-// Hears what the controllers' threads report and keeps none of it.
-class QuietListener : public ProductionRun::Listener {
-public:
-    void stepStarted(size_t, CommissionStep) override {}
-    void controllerEnded(size_t, const CommissionOutcome&) override {}
-    void runEnded() override {}
-};
-
 } // namespace qv::test

@@ -1,5 +1,5 @@
-// The bench window against simulated controllers on the offscreen platform:
-// the real threads and the queued signals, the link's pauses shortened
+// The bench window against simulated controllers on the offscreen platform,
+// in English and in French: the real threads and the queued signals, the link's pauses shortened
 // (except for the pictures of the documentation, made at the real pace).
 #include "ProductionTestSupport.h"
 #include "RecordingDialogs.h"
@@ -106,6 +106,22 @@ TEST_F(BenchWindowTest, EightControllersRunAtOnceAndEachRowEndsWithItsSerial) {
     EXPECT_EQ(child<QLabel>(*window, "Resume")->text(), QStringLiteral("8 succeeded, 0 failed"));
     EXPECT_EQ(test::reportBlocks(folder.logPath(QStringLiteral("900"))).size(), 8u);
     EXPECT_TRUE(dialogs.boxes().empty());
+}
+
+TEST_F(BenchWindowTest, AFrenchBenchReportsAndFailsInFrench) {
+    auto window = open(QStringLiteral("Français"));
+    ASSERT_TRUE(eventually([&] { return everyIdentityShown(*window); }, 10000));
+    bus.unplugAfter(ids[1], 0);
+    fill(*window, QString());
+    ASSERT_TRUE(window->start());
+    ASSERT_TRUE(eventually([&] { return !window->running(); }, 60000));
+    EXPECT_TRUE(
+        cell(*window, 1, 4).contains(QStringLiteral("Quorvel absent ou ne répond pas (Time Out)")))
+        << cell(*window, 1, 4).toStdString();
+    const auto blocks = test::reportBlocks(folder.logPath(QStringLiteral("900")));
+    ASSERT_EQ(blocks.size(), 7u);
+    for (const QStringList& block : blocks)
+        EXPECT_EQ(block.value(4), QStringLiteral("N° de commande 900"));
 }
 
 TEST_F(BenchWindowTest, ClosingDuringARunStopsItAndReturnsOnceTheLinesHaveEnded) {
