@@ -4,6 +4,7 @@
 // exit status, the message, and that config.xml and the controller's memory hold what they should
 // afterwards.
 #include "CliTestSupport.h"
+#include "ProgrammeLines.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -14,15 +15,7 @@ namespace qv::test {
 namespace {
 
 Condition line(std::int16_t jour, std::int16_t heure) {
-    Condition c;
-    c.Nom = QStringLiteral("Valve");
-    c.sortie = 3;
-    c.Valeur = 1;
-    c.Temporisation = 300;
-    c.Jour = jour;
-    c.Heure = heure;
-    c.Minute = 15;
-    return c;
+    return programmeLine(jour, heure, 15, 0, 300);
 }
 
 class NothingLost : public ::testing::Test {
