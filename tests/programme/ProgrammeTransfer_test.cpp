@@ -1,3 +1,4 @@
+#include "ProgrammeLines.h"
 #include "ProgrammeTestSupport.h"
 #include "RecordingDialogs.h"
 #include "SimulatedBus.h"
@@ -64,15 +65,9 @@ Image frame(std::initializer_list<int> leading) {
 
 Condition line(std::int16_t jour, std::int16_t format, double valeur, std::int16_t temporisation,
                std::int16_t heure = 0, std::int16_t minute = 0, std::int16_t seconde = 0) {
-    Condition c;
-    c.sortie = 3;
+    Condition c = test::programmeLine(jour, heure, minute, seconde, temporisation);
     c.Format = format;
     c.Valeur = valeur;
-    c.Temporisation = temporisation;
-    c.Jour = jour;
-    c.Heure = heure;
-    c.Minute = minute;
-    c.Seconde = seconde;
     return c;
 }
 
