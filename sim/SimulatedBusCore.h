@@ -63,6 +63,15 @@ struct SimulatedBus::Core {
     QString autosavePath;
     QString autosaveError;
 
+    // Changes one device's slot under the lock; false when there is none.
+    template <typename Change> bool changeSlot(std::int32_t id, Change change) {
+        std::lock_guard lock(mutex);
+        Slot* slot = find(id);
+        if (slot)
+            change(*slot);
+        return slot != nullptr;
+    }
+
     Slot* find(std::int32_t id) {
         for (Slot& slot : slots)
             if (slot.device.uniqueId() == id)

@@ -4,47 +4,30 @@
 namespace qv {
 
 bool SimulatedBus::dropReplies(std::int32_t uniqueId, int count) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot)
-        slot->dropNext = std::max(0, count);
-    return slot != nullptr;
+    return core_->changeSlot(uniqueId, [&](auto& slot) { slot.dropNext = std::max(0, count); });
 }
 
 bool SimulatedBus::setDropRate(std::int32_t uniqueId, double probability, std::uint32_t seed) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot) {
-        slot->dropRate = std::clamp(probability, 0.0, 1.0);
-        slot->rng.seed(seed);
-    }
-    return slot != nullptr;
+    return core_->changeSlot(uniqueId, [&](auto& slot) {
+        slot.dropRate = std::clamp(probability, 0.0, 1.0);
+        slot.rng.seed(seed);
+    });
 }
 
 bool SimulatedBus::corruptReplies(std::int32_t uniqueId, int count) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot)
-        slot->corruptNext = std::max(0, count);
-    return slot != nullptr;
+    return core_->changeSlot(uniqueId, [&](auto& slot) { slot.corruptNext = std::max(0, count); });
 }
 
 bool SimulatedBus::shortenReplies(std::int32_t uniqueId, int count, int length) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot) {
-        slot->shortNext = std::max(0, count);
-        slot->shortLength = std::max(0, length);
-    }
-    return slot != nullptr;
+    return core_->changeSlot(uniqueId, [&](auto& slot) {
+        slot.shortNext = std::max(0, count);
+        slot.shortLength = std::max(0, length);
+    });
 }
 
 bool SimulatedBus::delayReply(std::int32_t uniqueId, int nth) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot)
-        slot->repliesBeforeLate = std::max(0, nth);
-    return slot != nullptr;
+    return core_->changeSlot(uniqueId,
+                             [&](auto& slot) { slot.repliesBeforeLate = std::max(0, nth); });
 }
 
 bool SimulatedBus::takeLateArrival(std::int32_t uniqueId) {
@@ -67,11 +50,8 @@ int SimulatedBus::lateDelay() const {
 }
 
 bool SimulatedBus::unplugAfter(std::int32_t uniqueId, int requests) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (slot)
-        slot->unplugAfter = std::max(-1, requests);
-    return slot != nullptr;
+    return core_->changeSlot(uniqueId,
+                             [&](auto& slot) { slot.unplugAfter = std::max(-1, requests); });
 }
 
 bool SimulatedBus::unplug(std::int32_t uniqueId) {
@@ -79,16 +59,13 @@ bool SimulatedBus::unplug(std::int32_t uniqueId) {
 }
 
 bool SimulatedBus::replug(std::int32_t uniqueId) {
-    std::lock_guard lock(core_->mutex);
-    auto* slot = core_->find(uniqueId);
-    if (!slot)
-        return false;
-    if (!slot->device.plugged()) {
-        slot->device.setPlugged(true);
-        slot->pending.reset();
+    return core_->changeSlot(uniqueId, [&](auto& slot) {
+        if (slot.device.plugged())
+            return;
+        slot.device.setPlugged(true);
+        slot.pending.reset();
         core_->autosave();
-    }
-    return true;
+    });
 }
 
 bool SimulatedBus::restartFromBootloader(std::int32_t uniqueId) {
